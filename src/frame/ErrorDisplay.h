@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+// All messages to the user. In a batch nobody is there to read a box, and
+// ShowErrorMessage writes to the log file Kavlin.err in the work path instead.
+namespace ErrorDisplay {
+
+// The switch of the trace hooks; off in this build and not changeable at run time.
+constexpr bool ProbeDebugIsOn = false;
+
+void InitializeErrorDisplay();
+void OpenLogFile();
+void CloseLogFile();
+void LogMessage(const QString& Text);
+void LogError(const QString& Text);
+void ShowErrorMessage(const QString& Text, const QString& Title);
+void ShowWarningMessage(const QString& Text, const QString& Title);
+// A box in every case, also in a batch. 6 Yes, 7 No, 2 Cancel.
+int AskYesNo(const QString& Text, const QString& Title);
+int AskYesNoCancel(const QString& Text, const QString& Title);
+void ProbeError(const QString& Text);
+void ProbeDebug(const QString& Text);
+
+bool GetLogFileIsOpen();
+bool GetErrorWasLogged();
+// Full name of the log file: Kavlin.err in the work path.
+QString LogFilename();
+
+}  // namespace ErrorDisplay

@@ -1,0 +1,445 @@
+#include "link/frmDownloader.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFont>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "frame/DirectoryCentral.h"
+#include "frame/DumpManager.h"
+#include "frame/ErrorDisplay.h"
+#include "frame/ExceptionTypes.h"
+#include "frame/GlobalData.h"
+#include "frame/RegistryCentral.h"
+#include "frame/TwipsConversion.h"
+#include "frame/frmAbout.h"
+#include "frame/frmSplash.h"
+#include "frame/frmWorkPathDefinition.h"
+#include "link/DownloadPortExecutive.h"
+#include "link/ParallelDownloader.h"
+#include "monitor/MonitorCapture.h"
+#include "monitor/MonitorPortExecutive.h"
+#include "platform/ClockService.h"
+#include "platform/Global.h"
+#include "project/ProjectType.h"
+
+namespace {
+bool ProcessEnded = false;
+EditorShutdownHandler* EditorShutdown = nullptr;
+
+QIcon ThemeIcon(const char* Name, QStyle::StandardPixmap Fallback) {
+    return QIcon::fromTheme(QString::fromLatin1(Name), QApplication::style()->standardIcon(Fallback));
+}
+}  // namespace
+
+frmDownloader::frmDownloader() {
+    setObjectName(QStringLiteral("frmDownloader"));
+    txtDebugWindow = new QPlainTextEdit(this);
+    txtDebugWindow->setObjectName(QStringLiteral("txtDebugWindow"));
+    txtDebugWindow->setReadOnly(true);
+    txtDebugWindow->setLineWrapMode(QPlainTextEdit::NoWrap);
+    txtDebugWindow->setFont(QFont(QStringLiteral("Courier New")));
+    setCentralWidget(txtDebugWindow);
+    BuildMenus();
+    BuildToolBar();
+    BuildStatusBar();
+    GlobalData::SetEditorButtonHandler([this](bool Enabled) {
+        if (QAction* Editor = ToolBarButton(QStringLiteral("Editor"))) {
+            Editor->setEnabled(Enabled);
+        }
+    });
+}
+
+frmDownloader::~frmDownloader() {
+    GlobalData::SetEditorButtonHandler({});
+    CommandLineInterpreter::SetHost(nullptr);
+}
+
+void frmDownloader::BuildMenus() {
+    auto Entry = [this](QMenu* Menu, QAction*& Action, const char* Name, const char* Caption,
+                        void (frmDownloader::*Slot)()) {
+        Action = Menu != nullptr ? Menu->addAction(QString::fromLatin1(Caption))
+                                 : menuBar()->addAction(QString::fromLatin1(Caption));
+        Action->setObjectName(QString::fromLatin1(Name));
+        connect(Action, &QAction::triggered, this, Slot);
+    };
+    mnuFile = menuBar()->addMenu(QStringLiteral("&File"));
+    mnuFile->setObjectName(QStringLiteral("mnuFile"));
+    Entry(mnuFile, mnuOpenDownload, "mnuOpenDownload", "&Open Download",
+          &frmDownloader::mnuOpenDownload_Click);
+    Entry(mnuFile, mnuSetWorkingDirectory, "mnuSetWorkingDirectory", "Set Starting &Directory",
+          &frmDownloader::mnuSetWorkingDirectory_Click);
+    Entry(mnuFile, mnuCaptureToFile, "mnuCaptureToFile", "&Capture to File...",
+          &frmDownloader::mnuCaptureToFile_Click);
+    mnuFile->addSeparator();
+    Entry(mnuFile, mnuExit, "mnuExit", "E&xit", &frmDownloader::mnuExit_Click);
+    Entry(nullptr, mnuProcessorOptions, "mnuProcessorOptions", "&Processor",
+          &frmDownloader::mnuProcessorOptions_Click);
+    mnuDownloadPort = menuBar()->addMenu(QStringLiteral("&I/O Ports"));
+    mnuDownloadPort->setObjectName(QStringLiteral("mnuDownloadPort"));
+    Entry(mnuDownloadPort, mnuDownloadPortSetup, "mnuDownloadPortSetup", "&Download Port",
+          &frmDownloader::mnuDownloadPortSetup_Click);
+    Entry(mnuDownloadPort, mnuMonitorPortSetup, "mnuMonitorPortSetup", "&Monitor Port",
+          &frmDownloader::mnuMonitorPortSetup_Click);
+    mnuDiagnostics = menuBar()->addMenu(QStringLiteral("Dia&gnostics"));
+    mnuDiagnostics->setObjectName(QStringLiteral("mnuDiagnostics"));
+    Entry(mnuDiagnostics, mnuRescue, "mnuRescue", "&Rescue", &frmDownloader::mnuRescue_Click);
+    Entry(mnuDiagnostics, mnuDiagnosticATN, "mnuDiagnosticATN", "&ATN Diagnostic",
+          &frmDownloader::mnuDiagnosticATN_Click);
+    Entry(nullptr, mnuAbout, "mnuAbout", "&About", &frmDownloader::mnuAbout_Click);
+
+    // Buttons that exist only to carry the access keys.
+    auto Key = [this](QAction*& Action, const char* Name, const char* Shortcut,
+                      void (frmDownloader::*Slot)()) {
+        Action = new QAction(this);
+        Action->setObjectName(QString::fromLatin1(Name));
+        Action->setShortcut(QKeySequence(QString::fromLatin1(Shortcut)));
+        addAction(Action);
+        connect(Action, &QAction::triggered, this, Slot);
+    };
+    Key(cmdDownload, "cmdDownload", "Alt+D", &frmDownloader::cmdDownload_Click);
+    Key(cmdExecute, "cmdExecute", "Alt+E", &frmDownloader::cmdExecute_Click);
+    Key(cmdPowerDown, "cmdPowerDown", "Alt+S", &frmDownloader::cmdPowerDown_Click);
+    Key(cmdResetCPU, "cmdResetCPU", "Alt+R", &frmDownloader::cmdResetCPU_Click);
+    Key(cmdClearWindow, "cmdClearWindow", "Alt+C", &frmDownloader::cmdClearWindow_Click);
+}
+
+void frmDownloader::BuildToolBar() {
+    ToolBar = addToolBar(QStringLiteral("ToolBar"));
+    ToolBar->setObjectName(QStringLiteral("ToolBar"));
+    ToolBar->setMovable(false);
+    struct Button {
+        const char* Key;
+        const char* ToolTip;
+        const char* Icon;
+        QStyle::StandardPixmap Fallback;
+    };
+    const Button Buttons[] = {
+        {"Open", "Open Download File", "document-open", QStyle::SP_DialogOpenButton},
+        {"Editor", "Open Editor", "accessories-text-editor", QStyle::SP_FileDialogDetailedView},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {"Stop", "Stop Processor  (Alt+S)", "media-playback-stop", QStyle::SP_MediaStop},
+        {"Run", "Execute  (Alt+E)", "media-playback-start", QStyle::SP_MediaPlay},
+        {"Reset", "Reset Processor  (Alt+R)", "view-refresh", QStyle::SP_BrowserReload},
+        {"Download", "Download Program  (Alt+D)", "go-down", QStyle::SP_ArrowDown},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {"ClearSerial", "Clear Serial Window  (Alt+C)", "edit-clear", QStyle::SP_DialogResetButton},
+    };
+    for (const Button& B : Buttons) {
+        if (B.Key == nullptr) {
+            ToolBarButtons << ToolBar->addSeparator();
+            continue;
+        }
+        const QString Key = QString::fromLatin1(B.Key);
+        QAction* Action = ToolBar->addAction(ThemeIcon(B.Icon, B.Fallback), Key);
+        Action->setObjectName(QStringLiteral("ToolBar_") + Key);
+        Action->setData(Key);
+        Action->setToolTip(QString::fromLatin1(B.ToolTip));
+        connect(Action, &QAction::triggered, this, [this, Key] { ToolBar_ButtonClick(Key); });
+        ToolBarButtons << Action;
+    }
+}
+
+QAction* frmDownloader::ToolBarButton(const QString& Key) const {
+    for (QAction* Action : ToolBarButtons) {
+        if (Action->data().toString() == Key) {
+            return Action;
+        }
+    }
+    return nullptr;
+}
+
+void frmDownloader::BuildStatusBar() {
+    statusBar()->setObjectName(QStringLiteral("StatusBar1"));
+    for (int Index = 1; Index <= 5; ++Index) {
+        auto* Panel = new QLabel(this);
+        Panel->setObjectName(QStringLiteral("StatusBar1_Panel%1").arg(Index));
+        Panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        Panel->setMinimumWidth(60);
+        statusBar()->addWidget(Panel, Index == 5 ? 1 : 0);
+        StatusBarPanels << Panel;
+    }
+    ProgressBar1 = new QProgressBar(this);
+    ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
+    ProgressBar1->setMaximumWidth(120);
+    statusBar()->addPermanentWidget(ProgressBar1);
+}
+
+void frmDownloader::Form_Load() {
+    try {
+        DumpManager::InitializeDumpManager();
+        ErrorDisplay::InitializeErrorDisplay();
+        ErrorDisplay::ProbeDebug(QStringLiteral("This should appear only if ProbeDebugIsOn."));
+        const bool NoCommandLine = CommandLineInterpreter::GetCommandLine().isEmpty();
+        if (NoCommandLine) {
+            frmSplash& Splash = Global<frmSplash>::Get();
+            Splash.show();
+            Splash.repaint();
+        }
+        GlobalData::InitializeGlobalData();
+        DirectoryCentral::InitializeDirectories();
+        bool InstallationIsGood = false;
+        DirectoryCentral::CheckInstallation(InstallationIsGood);  // only the compile refuses
+        ParallelDownloader::Initialize();
+        CommandLineInterpreter::Initialize();
+        InitializeForm();
+        MonitorPortExecutive::InitializeMonitorPort();
+        DownloadPortExecutive::Initialize();
+        InitializeChipType();
+        MonitorCapture::InitializeCapture();
+        if (NoCommandLine) {
+            ClockService& Clock = ClockService::Instance();
+            Clock.DoEvents();
+            // The splash's second, in slices so that a key on the splash ends it early.
+            for (int Slice = 0; Slice < 10 && Global<frmSplash>::IsLoaded(); ++Slice) {
+                Clock.Sleep(100);
+                Clock.DoEvents();
+            }
+            if (Global<frmSplash>::IsLoaded()) {
+                Global<frmSplash>::Unload();
+            }
+            ClearComError();
+        } else {
+            CommandLineInterpreter::SetHost(this);
+            CommandLineInterpreter::Run();
+        }
+    } catch (...) {
+        ExceptionTypes::ProcessException(6, 1);
+    }
+}
+
+void frmDownloader::InitializeForm() {
+    RestoreGeometry();
+    setWindowTitle(GlobalData::ApplicationCaption());
+    ComErrorLatched = false;
+    ComErrorShownOnce = false;
+    ComErrorShown = false;
+}
+
+void frmDownloader::RestoreGeometry() {
+    using namespace TwipsConversion;
+    FormGeometry Geometry;
+    RegistryCentral::RegistryGetMainGeometry(Geometry);
+    Geometry.ClampNegative();
+    Geometry.ClampToScreen(ScreenWidthTwips(), ScreenHeightTwips());
+    move(TwipsToPixelsX(Geometry.Left), TwipsToPixelsY(Geometry.Top));
+    resize(TwipsToPixelsX(Geometry.Width), TwipsToPixelsY(Geometry.Height));
+    RestoredGeometry = Geometry;
+    RestoredPixels = QRect(pos(), size());
+}
+
+FormGeometry frmDownloader::CurrentGeometry() const {
+    using namespace TwipsConversion;
+    // A field the window has not moved keeps the twips it was restored from,
+    // so that rounding to pixels does not creep a little at every restart.
+    FormGeometry Geometry;
+    Geometry.Top = pos().y() == RestoredPixels.y() ? RestoredGeometry.Top : PixelsToTwipsY(pos().y());
+    Geometry.Left = pos().x() == RestoredPixels.x() ? RestoredGeometry.Left : PixelsToTwipsX(pos().x());
+    Geometry.Width = width() == RestoredPixels.width() ? RestoredGeometry.Width : PixelsToTwipsX(width());
+    Geometry.Height =
+        height() == RestoredPixels.height() ? RestoredGeometry.Height : PixelsToTwipsY(height());
+    return Geometry;
+}
+
+void frmDownloader::SaveGeometry() { RegistryCentral::RegistrySaveMainGeometry(CurrentGeometry()); }
+
+void frmDownloader::InitializeChipType() {
+    GlobalData::ChipType = RegistryCentral::RegistryGetChipType();
+    switch (GlobalData::ChipType) {
+        case 1:
+            mnuRescue->setEnabled(false);
+            mnuDiagnosticATN->setEnabled(false);
+            break;
+        case 2:
+        case 3:
+            mnuRescue->setEnabled(true);
+            mnuDiagnosticATN->setEnabled(true);
+            break;
+        default:
+            ErrorDisplay::ProbeError(QStringLiteral("Error_1 in frmDownloader.InitializeChipType"));
+            break;
+    }
+}
+
+void frmDownloader::ClearComError() {
+    ComErrorLatched = false;
+    // Not yet: the "Serial Data Error " indicator comes with the monitor terminal.
+}
+
+void frmDownloader::Form_Unload(bool& Cancel) {
+    Cancel = false;
+    if (GlobalData::GetEditorIsOpen() && EditorShutdown != nullptr) {
+        bool CancelUnload = false;
+        EditorShutdown->ProcessExit(CancelUnload);
+        if (CancelUnload) {
+            Cancel = true;
+            return;
+        }
+        EditorShutdown->UnloadEditor();
+    }
+    SaveGeometry();
+    MonitorCapture::CloseCaptureFile();
+    DownloadPortExecutive::ClosePorts();
+    MonitorPortExecutive::CloseMonitorPort();
+    EndProcess();
+}
+
+void frmDownloader::EndProcess() {
+    Unloaded = true;
+    ProcessEnded = true;
+    QCoreApplication::exit(0);
+}
+
+bool frmDownloader::ProcessHasEnded() { return ProcessEnded; }
+void frmDownloader::ResetProcessEnded() { ProcessEnded = false; }
+
+void frmDownloader::SetEditorShutdownHandler(EditorShutdownHandler* Handler) {
+    EditorShutdown = Handler;
+}
+
+void frmDownloader::closeEvent(QCloseEvent* Event) {
+    if (Unloaded) {
+        Event->accept();
+        return;
+    }
+    bool Cancel = false;
+    Form_Unload(Cancel);
+    if (Cancel) {
+        Event->ignore();
+    } else {
+        Event->accept();
+    }
+}
+
+void frmDownloader::ToolBar_ButtonClick(const QString& Key) {
+    try {
+        if (Key == QStringLiteral("Open")) {
+            mnuOpenDownload_Click();
+        } else if (Key == QStringLiteral("Editor")) {
+            OpenEditor();
+        } else if (Key == QStringLiteral("Stop")) {
+            cmdPowerDown_Click();
+        } else if (Key == QStringLiteral("Run")) {
+            cmdExecute_Click();
+        } else if (Key == QStringLiteral("Reset")) {
+            cmdResetCPU_Click();
+        } else if (Key == QStringLiteral("Download")) {
+            cmdDownload_Click();
+        } else if (Key == QStringLiteral("ClearSerial")) {
+            cmdClearWindow_Click();
+        } else {
+            ErrorDisplay::ProbeError(QStringLiteral("Error_1 in frmDownloader.ToolBar_ButtonClick"));
+        }
+    } catch (...) {
+        ExceptionTypes::ProcessException(6, 3);
+    }
+}
+
+void frmDownloader::OpenEditor() {
+    if (GlobalData::GetEditorIsOpen()) {
+        return;
+    }
+    GlobalData::DownloadFilename.clear();
+    StatusBarPanels[4]->clear();
+    Global<ProjectType>::Unload();
+    Project();
+    // Not yet: frmSourceEditor comes with the editor's main window.
+}
+
+void frmDownloader::mnuSetWorkingDirectory_Click() {
+    Global<frmWorkPathDefinition>::Get().exec();
+    Global<frmWorkPathDefinition>::Unload();
+}
+
+void frmDownloader::mnuAbout_Click() {
+    Global<frmAbout>::Get().exec();
+    Global<frmAbout>::Unload();
+}
+
+void frmDownloader::mnuExit_Click() { close(); }
+
+void frmDownloader::cmdClearWindow_Click() { txtDebugWindow->clear(); }
+
+void frmDownloader::mnuOpenDownload_Click() {
+    // Not yet: opening a program image comes with the download.
+}
+
+void frmDownloader::mnuCaptureToFile_Click() {
+    // Not yet: capture to file comes with the monitor terminal.
+}
+
+void frmDownloader::mnuProcessorOptions_Click() {
+    // Not yet: the processor dialog comes with the chip dialogs.
+}
+
+void frmDownloader::mnuDownloadPortSetup_Click() {
+    // Not yet: the download port dialogs come with the port executive.
+}
+
+void frmDownloader::mnuMonitorPortSetup_Click() {
+    // Not yet: the monitor port dialog comes with the monitor terminal.
+}
+
+void frmDownloader::mnuRescue_Click() {
+    // Not yet: the rescue comes with the serial chip link.
+}
+
+void frmDownloader::mnuDiagnosticATN_Click() {
+    // Not yet: the ATN diagnostic comes with the diagnostics.
+}
+
+void frmDownloader::cmdDownload_Click() {
+    // Not yet: the download comes with the serial chip link.
+}
+
+void frmDownloader::cmdExecute_Click() {
+    // Not yet: starting the chip comes with the serial chip link.
+}
+
+void frmDownloader::cmdPowerDown_Click() {
+    // Not yet: stopping the chip comes with the serial chip link.
+}
+
+void frmDownloader::cmdResetCPU_Click() {
+    // Not yet: resetting the chip comes with the serial chip link.
+}
+
+void frmDownloader::ShowEditorAndOpenProject(const QString&, const QString&, const QString&) {
+    // Not yet: frmSourceEditor comes with the editor's main window.
+}
+
+void frmDownloader::OpenProject(const QString&, const QString&, const QString&) {
+    // Not yet: opening a project comes with the project model.
+}
+
+void frmDownloader::CompileAll() {
+    // Not yet: the compile comes with the compiler component.
+}
+
+void frmDownloader::OpenKVBfile(const QString&) {
+    // Not yet: reading the program image comes with the download.
+}
+
+bool frmDownloader::OpenDownloadPort() {
+    // The executive opens nothing yet, so a batch download reports the port as not open.
+    return DownloadPortExecutive::DownloadPortIsOpen();
+}
+
+void frmDownloader::DownloadProgram(bool& Success) {
+    // Not yet: the download comes with the serial chip link.
+    Success = false;
+}
+
+void frmDownloader::ExecuteProgram() {
+    // Not yet: starting the chip comes with the serial chip link.
+}
+
+void frmDownloader::UnloadDownloader() {
+    bool Cancel = false;
+    Form_Unload(Cancel);
+}

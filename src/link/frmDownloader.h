@@ -1,0 +1,124 @@
+#pragma once
+
+#include <QAction>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMap>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QToolBar>
+#include <QVector>
+
+#include "frame/CommandLineInterpreter.h"
+#include "frame/FormGeometry.h"
+
+// How the downloader reaches an open editor at shutdown without loading one.
+class EditorShutdownHandler {
+public:
+    virtual ~EditorShutdownHandler() = default;
+    // Asks to save changed modules; CancelUnload True keeps everything open.
+    virtual void ProcessExit(bool& CancelUnload) = 0;
+    virtual void UnloadEditor() = 0;
+};
+
+// The system's first window: its Form_Load is the entry of the process and
+// owns the order of start-up; closing it ends the process.
+class frmDownloader : public QMainWindow, public CommandLineInterpreter::CommandLineHost {
+    Q_OBJECT
+public:
+    frmDownloader();
+    ~frmDownloader() override;
+
+    void Form_Load();
+    // Returns with Cancel True when the editor's prompt was cancelled.
+    void Form_Unload(bool& Cancel);
+    void InitializeForm();
+    void RestoreGeometry();
+    void InitializeChipType();
+    void SaveGeometry();
+    void ClearComError();
+    // The window's geometry in twips.
+    FormGeometry CurrentGeometry() const;
+
+    // The process is over: the window was unloaded. The event loop, if it
+    // runs, is told to quit; main() looks at this before it starts one.
+    static bool ProcessHasEnded();
+    static void ResetProcessEnded();
+    static void SetEditorShutdownHandler(EditorShutdownHandler* Handler);
+
+    // CommandLineHost
+    void ShowEditorAndOpenProject(const QString& Path, const QString& Name,
+                                  const QString& Extension) override;
+    void OpenProject(const QString& Path, const QString& Name, const QString& Extension) override;
+    void CompileAll() override;
+    void OpenKVBfile(const QString& Filename) override;
+    bool OpenDownloadPort() override;
+    void DownloadProgram(bool& Success) override;
+    void ExecuteProgram() override;
+    void UnloadDownloader() override;
+
+    QMenu* mnuFile;
+    QAction* mnuOpenDownload;
+    QAction* mnuSetWorkingDirectory;
+    QAction* mnuCaptureToFile;
+    QAction* mnuExit;
+    QAction* mnuProcessorOptions;
+    QMenu* mnuDownloadPort;
+    QAction* mnuDownloadPortSetup;
+    QAction* mnuMonitorPortSetup;
+    QMenu* mnuDiagnostics;
+    QAction* mnuRescue;
+    QAction* mnuDiagnosticATN;
+    QAction* mnuAbout;
+
+    QToolBar* ToolBar;
+    // The tool bar's buttons by position from 1, separators included.
+    QVector<QAction*> ToolBarButtons;
+    QAction* ToolBarButton(const QString& Key) const;
+
+    QPlainTextEdit* txtDebugWindow;
+    QVector<QLabel*> StatusBarPanels;
+    QProgressBar* ProgressBar1;
+    // Access keys Alt+D, Alt+E, Alt+S, Alt+R, Alt+C.
+    QAction* cmdDownload;
+    QAction* cmdExecute;
+    QAction* cmdPowerDown;
+    QAction* cmdResetCPU;
+    QAction* cmdClearWindow;
+
+public slots:
+    void ToolBar_ButtonClick(const QString& Key);
+    void mnuOpenDownload_Click();
+    void mnuSetWorkingDirectory_Click();
+    void mnuCaptureToFile_Click();
+    void mnuExit_Click();
+    void mnuProcessorOptions_Click();
+    void mnuDownloadPortSetup_Click();
+    void mnuMonitorPortSetup_Click();
+    void mnuRescue_Click();
+    void mnuDiagnosticATN_Click();
+    void mnuAbout_Click();
+    void cmdDownload_Click();
+    void cmdExecute_Click();
+    void cmdPowerDown_Click();
+    void cmdResetCPU_Click();
+    void cmdClearWindow_Click();
+
+protected:
+    void closeEvent(QCloseEvent* Event) override;
+
+private:
+    void BuildMenus();
+    void BuildToolBar();
+    void BuildStatusBar();
+    void OpenEditor();
+    void EndProcess();
+
+    bool ComErrorLatched = false;
+    bool ComErrorShownOnce = false;
+    bool ComErrorShown = false;
+    bool Unloaded = false;
+    FormGeometry RestoredGeometry;
+    QRect RestoredPixels{0, 0, -1, -1};
+};

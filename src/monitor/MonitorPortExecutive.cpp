@@ -1,0 +1,29 @@
+#include "monitor/MonitorPortExecutive.h"
+
+#include "frame/RegistryCentral.h"
+
+namespace MonitorPortExecutive {
+
+namespace {
+MonitorPortInfoType MonitorPortInfo;
+bool MonitorPortIsOpen = false;
+
+void ApplyMonitorPort() {
+    // Not yet: the port object of the monitor terminal is still to be built, so nothing opens.
+}
+}  // namespace
+
+void InitializeMonitorPort() {
+    MonitorPortIsOpen = false;
+    MonitorPortInfo = MonitorPortInfoType();
+    RegistryCentral::RegistryGetMonitorPort(MonitorPortInfo);
+    ApplyMonitorPort();
+}
+
+void CloseMonitorPort() { MonitorPortIsOpen = false; }
+
+bool GetMonitorPortIsOpen() { return MonitorPortIsOpen; }
+
+const MonitorPortInfoType& GetMonitorPortInfo() { return MonitorPortInfo; }
+
+}  // namespace MonitorPortExecutive
