@@ -1,5 +1,5 @@
 #include <QApplication>
-#include <cstdlib>
+#include <cstdio>
 #include <memory>
 
 #include "frame/CommandLineInterpreter.h"
@@ -25,11 +25,14 @@ QString CommandLineOf(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // A batch must run where there is no display: it never shows a window.
+    // A command line must run where there is no display: a batch never shows
+    // a window, and a project that is not found is reported and ends the run.
     int16_t ArgumentCount = 0;
     CommandLineInterpreter::ParseCommandLine(CommandLineOf(argc, argv),
                                              CommandLineInterpreter::MaxArguments, ArgumentCount);
-    if (ArgumentCount >= 2 && !HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    const bool ChoseOffscreen =
+        ArgumentCount >= 1 && !HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (ChoseOffscreen) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
 
@@ -51,7 +54,11 @@ int main(int argc, char** argv) {
     frmDownloader& Downloader = Global<frmDownloader>::Get();
     Downloader.Form_Load();
     int ExitCode = 0;
-    if (!frmDownloader::ProcessHasEnded()) {
+    if (!frmDownloader::ProcessHasEnded() && ChoseOffscreen) {
+        // Interactive from here on, but there is no display to show it on.
+        std::fputs("kavlin: no display; the windows cannot be shown\n", stderr);
+        ExitCode = 1;
+    } else if (!frmDownloader::ProcessHasEnded()) {
         Downloader.show();
         ExitCode = QApplication::exec();
     }

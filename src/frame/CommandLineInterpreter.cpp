@@ -44,7 +44,9 @@ void SetCommandLine(const QString& CommandLine) { ProcessCommandLine = CommandLi
 QString JoinArguments(const QStringList& Arguments) {
     QStringList Parts;
     for (const QString& Argument : Arguments) {
-        if (Argument.contains(QLatin1Char(' ')) || Argument.contains(QLatin1Char('\t'))) {
+        const bool Quoted = Argument.size() >= 2 && Argument.front() == QLatin1Char('"') &&
+                            Argument.back() == QLatin1Char('"');
+        if (!Quoted && (Argument.contains(QLatin1Char(' ')) || Argument.contains(QLatin1Char('\t')))) {
             Parts << QLatin1Char('"') + Argument + QLatin1Char('"');
         } else {
             Parts << Argument;

@@ -41,7 +41,8 @@ bool GetCommandLineMode();
 QString GetCommandLine();
 void SetCommandLine(const QString& CommandLine);
 // The command line as the other platform's shell handed it over: the
-// arguments joined by blanks, one that holds a blank or a tab in double quotes.
+// arguments joined by blanks, one that holds a blank or a tab in double
+// quotes unless it already stands in them.
 QString JoinArguments(const QStringList& Arguments);
 
 // Blanks and tabs separate; quotes mean nothing; words after MaxArguments

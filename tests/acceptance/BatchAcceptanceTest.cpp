@@ -1,0 +1,202 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+// A user's machine in a temporary folder: its own settings folder, a work
+// path with projects, an install directory. The program runs as a process
+// with no display.
+class BatchAcceptance : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(Root.isValid());
+        Work = Root.filePath(QStringLiteral("work"));
+        Install = Root.filePath(QStringLiteral("install"));
+        Config = Root.filePath(QStringLiteral("config"));
+        Runtime = Root.filePath(QStringLiteral("runtime"));
+        for (const QString& Dir : {Work, Install + QStringLiteral("/Temp"),
+                                   Install + QStringLiteral("/BinKV10"), Install + QStringLiteral("/BinKV20"),
+                                   Config + QStringLiteral("/Kavlin"), Runtime}) {
+            ASSERT_TRUE(QDir().mkpath(Dir));
+        }
+        QFile::setPermissions(Runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        Touch(Install + QStringLiteral("/BinKV10/SymbolKV10.sym"));
+        Touch(Install + QStringLiteral("/BinKV20/SymbolKV20.sym"));
+        Touch(Work + QStringLiteral("/blink.kvp"), "blink.bas\r\n");
+        Touch(Work + QStringLiteral("/blink.prf"), QByteArray(14 * 615, '\0'));
+        WriteSettings(Install);
+    }
+
+    void WriteSettings(const QString& RunDir) {
+        QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
+        ASSERT_TRUE(Conf.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        Conf.write("[Config]\nWork_Dir=" + Work.toUtf8() + "\nRun_Dir=" + RunDir.toUtf8() + "\n");
+    }
+
+    static void Touch(const QString& Name, const QByteArray& Content = QByteArray()) {
+        QFile File(Name);
+        ASSERT_TRUE(File.open(QIODevice::WriteOnly));
+        File.write(Content);
+    }
+
+    // Runs the program; returns its exit code, with standard error kept.
+    int Run(const QStringList& Arguments) {
+        QProcess Program;
+        QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
+        Environment.remove(QStringLiteral("DISPLAY"));
+        Environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
+        Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), Runtime);
+        Program.setProcessEnvironment(Environment);
+        Program.setWorkingDirectory(Root.path());
+        Program.start(QStringLiteral(KAVLIN_PROGRAM), Arguments);
+        EXPECT_TRUE(Program.waitForStarted(10000));
+        const bool Finished = Program.waitForFinished(30000);
+        EXPECT_TRUE(Finished) << "the batch did not end by itself";
+        if (!Finished) {
+            Program.kill();
+            Program.waitForFinished();
+        }
+        StandardError = QString::fromUtf8(Program.readAllStandardError());
+        return Program.exitCode();
+    }
+
+    QStringList LogLines() const {
+        QFile Log(Work + QStringLiteral("/Kavlin.err"));
+        if (!Log.open(QIODevice::ReadOnly)) {
+            return {QStringLiteral("<no log>")};
+        }
+        const QString Text = QString::fromUtf8(Log.readAll());
+        QStringList Lines = Text.split(QStringLiteral("\r\n"));
+        EXPECT_EQ(Lines.takeLast(), QString()) << "every line ends in CR LF";
+        return Lines;
+    }
+
+    QTemporaryDir Root;
+    QString Work;
+    QString Install;
+    QString Config;
+    QString Runtime;
+    QString StandardError;
+};
+
+TEST_F(BatchAcceptance, IllegalCommandIsLoggedAndTheBatchEnds) {
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/x")}), 0);
+    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /x"), QString(),
+                                       QStringLiteral("Error -- illegal command:  /x")}));
+    EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error")));
+}
+
+TEST_F(BatchAcceptance, DownloadBeforeCompileIsRefusedAtTheFirstCommand) {
+    Run({QStringLiteral("blink"), QStringLiteral("/d"), QStringLiteral("/c")});
+    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /d /c"), QString(),
+                                       QStringLiteral("Error -- illegal command:  /d")}));
+}
+
+TEST_F(BatchAcceptance, FourWordsAreTooManyCommands) {
+    Run({QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d"), QStringLiteral("/c")});
+    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /c /d /c"), QString(),
+                                       QStringLiteral("Error -- too many commands")}));
+}
+
+TEST_F(BatchAcceptance, CompileOfAProjectInTheWorkPathLogsItsFullNameAndDone) {
+    Run({QStringLiteral("blink"), QStringLiteral("/C")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /C"), QString(),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+                           QStringLiteral("Done.")}));
+}
+
+TEST_F(BatchAcceptance, MissingProjectIsLoggedWithoutDone) {
+    Run({QStringLiteral("nosuch"), QStringLiteral("/c"), QStringLiteral("/d")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  nosuch /c /d"), QString(),
+                           QStringLiteral("Project not found:  ") + Work + QStringLiteral("/nosuch.kvp")}));
+}
+
+TEST_F(BatchAcceptance, MissingImageIsLoggedWithoutDone) {
+    Run({QStringLiteral("blink"), QStringLiteral("/d")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
+                           QStringLiteral("KVB file not found:  ") + Work + QStringLiteral("/blink.kvb")}));
+}
+
+TEST_F(BatchAcceptance, DownloadWithNoPortSetUpReportsItAndEndsWithDone) {
+    Touch(Work + QStringLiteral("/blink.kvb"), QByteArray(100, '\x55'));
+    Run({QStringLiteral("blink"), QStringLiteral("/d")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
+                           QStringLiteral("Download: ") + Work + QStringLiteral("/blink.kvb"),
+                           QStringLiteral("Error -- unable to open download port"),
+                           QStringLiteral("Done.")}));
+}
+
+TEST_F(BatchAcceptance, QuotedPathWithBlankFallsApartIntoAnIllegalCommand) {
+    Run({QStringLiteral("\"") + Root.path() + QStringLiteral("/my dir/a.kvp\"")});
+    const QStringList Lines = LogLines();
+    ASSERT_EQ(Lines.size(), 3);
+    EXPECT_EQ(Lines[0], QStringLiteral("Command line:  \"") + Root.path() + QStringLiteral("/my dir/a.kvp\""));
+    EXPECT_EQ(Lines[2], QStringLiteral("Error -- illegal command:  dir/a.kvp\""));
+}
+
+TEST_F(BatchAcceptance, QuotedFullPathIsLookedForWhereItPointsNotInTheWorkPath) {
+    // A single argument opens the project interactively; missing, it is
+    // reported and the program ends. Without a display the box goes to
+    // standard error, answered by itself.
+    const QString Elsewhere = Root.filePath(QStringLiteral("elsewhere/blink.kvp"));
+    EXPECT_EQ(Run({QStringLiteral("\"") + Elsewhere + QStringLiteral("\"")}), 0);
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Project Not Found] Project not found:  ") + Elsewhere))
+        << StandardError.toStdString();
+    EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/Kavlin.err")));
+}
+
+TEST_F(BatchAcceptance, OpeningAProjectWithoutADisplayEndsWithAClearMessage) {
+    EXPECT_EQ(Run({QStringLiteral("blink")}), 1);
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("no display")));
+    EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/Kavlin.err")));
+}
+
+TEST_F(BatchAcceptance, SecondBatchReplacesTheFirstLog) {
+    Run({QStringLiteral("blink"), QStringLiteral("/x")});
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    const QStringList Lines = LogLines();
+    EXPECT_EQ(Lines.first(), QStringLiteral("Command line:  blink /c"));
+    EXPECT_FALSE(Lines.contains(QStringLiteral("Error -- illegal command:  /x")));
+    EXPECT_EQ(Lines.last(), QStringLiteral("Done."));
+}
+
+TEST_F(BatchAcceptance, BrokenInstallationIsReportedOnStandardErrorAndTheBatchStillRuns) {
+    WriteSettings(Root.filePath(QStringLiteral("no-install")));
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Installation Error] Can't find program directory ") +
+                                       Root.filePath(QStringLiteral("no-install"))))
+        << StandardError.toStdString();
+    EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
+}
+
+TEST_F(BatchAcceptance, MissingTemporaryDirectoryIsNotCreatedWhenNobodyCanAnswer) {
+    QDir(Install + QStringLiteral("/Temp")).removeRecursively();
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("Can't find temporary directory: ")));
+    EXPECT_FALSE(QDir(Install + QStringLiteral("/Temp")).exists());
+    EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
+}
+
+TEST_F(BatchAcceptance, ChipTypeSurvivesInTheSettingsFileAcrossRuns) {
+    QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
+    ASSERT_TRUE(Conf.open(QIODevice::Append));
+    Conf.write("Chip_Type=KV30\n");
+    Conf.close();
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    ASSERT_TRUE(Conf.open(QIODevice::ReadOnly));
+    const QString Text = QString::fromUtf8(Conf.readAll());
+    EXPECT_TRUE(Text.contains(QStringLiteral("Chip_Type=KV30")));
+    EXPECT_TRUE(Text.contains(QStringLiteral("Main_Top=200")));
+    EXPECT_TRUE(Text.contains(QStringLiteral("Main_Width=6950")));
+}
+
+}  // namespace

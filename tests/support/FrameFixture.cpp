@@ -1,0 +1,63 @@
+#include "support/FrameFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "frame/CommandLineInterpreter.h"
+#include "frame/DirectoryCentral.h"
+#include "frame/DumpManager.h"
+#include "frame/ErrorDisplay.h"
+#include "frame/GlobalData.h"
+#include "platform/ErrObject.h"
+
+void FrameFixture::SetUp() {
+    ASSERT_TRUE(Temp.isValid());
+    SavedCurrentDirectory = QDir::currentPath();
+    auto Store = std::make_unique<MemorySettingsStore>();
+    Settings = Store.get();
+    SettingsStore::Install(std::move(Store));
+    auto Scripted = std::make_unique<ScriptedMessageBoxService>();
+    Boxes = Scripted.get();
+    MessageBoxService::Install(std::move(Scripted));
+    auto Virtual = std::make_unique<VirtualClockService>();
+    Clock = Virtual.get();
+    ClockService::Install(std::move(Virtual));
+
+    ErrorDisplay::CloseLogFile();
+    ErrorDisplay::InitializeErrorDisplay();
+    DumpManager::InitializeDumpManager();
+    CommandLineInterpreter::Initialize();
+    CommandLineInterpreter::SetCommandLine(QString());
+    CommandLineInterpreter::SetHost(nullptr);
+    GlobalData::InitializeGlobalData();
+    DirectoryCentral::SetWorkPath(Temp.path());
+    Err().Clear();
+}
+
+void FrameFixture::TearDown() {
+    ErrorDisplay::CloseLogFile();
+    CommandLineInterpreter::Initialize();
+    CommandLineInterpreter::SetHost(nullptr);
+    QDir::setCurrent(SavedCurrentDirectory);
+    SettingsStore::Install(std::make_unique<MemorySettingsStore>());
+    MessageBoxService::Install(std::make_unique<ScriptedMessageBoxService>());
+    ClockService::Install(std::make_unique<VirtualClockService>());
+}
+
+void FrameFixture::SetSetting(const QString& Key, const QString& Value) {
+    Settings->SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"), Key, Value);
+}
+
+QString FrameFixture::Setting(const QString& Key) {
+    return Settings->GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"), Key);
+}
+
+QString FrameFixture::WriteFile(const QString& RelativeName, const QByteArray& Content) {
+    const QString Name = QDir(Temp.path()).filePath(RelativeName);
+    QDir().mkpath(QFileInfo(Name).path());
+    QFile File(Name);
+    EXPECT_TRUE(File.open(QIODevice::WriteOnly));
+    File.write(Content);
+    return Name;
+}

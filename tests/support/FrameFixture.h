@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "platform/SettingsStore.h"
+#include "support/ScriptedMessageBoxService.h"
+#include "support/VirtualClockService.h"
+
+// A fresh frame for each test: settings in memory, scripted boxes, virtual
+// time, a temporary work path, and the frame's state as at start-up.
+class FrameFixture : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Stores a setting under "Kavlin"/"Config".
+    void SetSetting(const QString& Key, const QString& Value);
+    QString Setting(const QString& Key);
+    // Writes a file under the temporary directory; returns its full name.
+    QString WriteFile(const QString& RelativeName, const QByteArray& Content = QByteArray());
+    QString TempPath() const { return Temp.path(); }
+
+    QTemporaryDir Temp;
+    MemorySettingsStore* Settings = nullptr;
+    ScriptedMessageBoxService* Boxes = nullptr;
+    VirtualClockService* Clock = nullptr;
+    QString SavedCurrentDirectory;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <functional>
+
+#include "platform/ClockService.h"
+
+// Virtual time for tests: Sleep advances the clock at once. DoEvents lets
+// Qt's queued events run, so windows behave as in the program.
+class VirtualClockService : public ClockService {
+public:
+    void Sleep(uint32_t Milliseconds) override;
+    int64_t TickCount() override { return NowMs; }
+    double Timer() override { return static_cast<double>(NowMs % 86400000) / 1000.0; }
+    void DoEvents() override;
+
+    int64_t NowMs = 0;
+    int SleepCalls = 0;
+    int DoEventsCalls = 0;
+    // Called after every sleep with the new time: a test's way of acting
+    // "while" the code under test waits.
+    std::function<void(int64_t NowMs)> OnSleep;
+};
