@@ -46,7 +46,8 @@ QString JoinArguments(const QStringList& Arguments) {
     for (const QString& Argument : Arguments) {
         const bool Quoted = Argument.size() >= 2 && Argument.front() == QLatin1Char('"') &&
                             Argument.back() == QLatin1Char('"');
-        if (!Quoted && (Argument.contains(QLatin1Char(' ')) || Argument.contains(QLatin1Char('\t')))) {
+        if (!Quoted &&
+            (Argument.contains(QLatin1Char(' ')) || Argument.contains(QLatin1Char('\t')))) {
             Parts << QLatin1Char('"') + Argument + QLatin1Char('"');
         } else {
             Parts << Argument;
@@ -93,8 +94,8 @@ void Run() {
         Path = DirectoryCentral::GetWorkPath();
         Name = Arguments[0];
     }
-    if (ArgumentCount == 1 && Arguments[0].size() >= 3 && Arguments[0].front() == QLatin1Char('"') &&
-        Arguments[0].back() == QLatin1Char('"')) {
+    if (ArgumentCount == 1 && Arguments[0].size() >= 3 &&
+        Arguments[0].front() == QLatin1Char('"') && Arguments[0].back() == QLatin1Char('"')) {
         const QString Unquoted = Arguments[0].mid(1, Arguments[0].size() - 2);
         UtilitiesFilename::SplitFilename(Unquoted, Path, Name, Extension);
     }

@@ -13,7 +13,7 @@ constexpr int MaxArguments = 10;
 // What the batch asks of the windows and subsystems above the frame. The
 // downloader window provides it.
 class CommandLineHost {
-public:
+  public:
     virtual ~CommandLineHost() = default;
     virtual void ClearComError() = 0;
     // frmSourceEditor shown and its OpenProject called.

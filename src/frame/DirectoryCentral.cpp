@@ -60,15 +60,17 @@ void CheckObjectDirectory(bool& Success) {
     Success = false;
     InstallPath = RegistryCentral::RegistryGetInstallDir();
     if (!UtilitiesFilename::DirectoryExists(InstallPath)) {
-        ErrorDisplay::ShowWarningMessage(QStringLiteral("Can't find program directory ") + InstallPath,
-                                         InstallationError);
+        ErrorDisplay::ShowWarningMessage(
+            QStringLiteral("Can't find program directory ") + InstallPath, InstallationError);
         return;
     }
-    const QString TempPath = UtilitiesFilename::MakeFilename(InstallPath, QStringLiteral("Temp"), QString());
+    const QString TempPath =
+        UtilitiesFilename::MakeFilename(InstallPath, QStringLiteral("Temp"), QString());
     if (!UtilitiesFilename::DirectoryExists(TempPath)) {
-        const int Answer = ErrorDisplay::AskYesNo(QStringLiteral("Can't find temporary directory: ") +
-                                                      TempPath + QStringLiteral("\nCreate directory?"),
-                                                  InstallationError);
+        const int Answer =
+            ErrorDisplay::AskYesNo(QStringLiteral("Can't find temporary directory: ") + TempPath +
+                                       QStringLiteral("\nCreate directory?"),
+                                   InstallationError);
         if (Answer != 6) {
             return;
         }
@@ -76,7 +78,8 @@ void CheckObjectDirectory(bool& Success) {
         CreateDirectory(TempPath, Created);
         if (!Created) {
             ErrorDisplay::ShowWarningMessage(
-                QStringLiteral("Error creating object file directory ") + TempPath, InstallationError);
+                QStringLiteral("Error creating object file directory ") + TempPath,
+                InstallationError);
             return;
         }
     }

@@ -5,7 +5,7 @@
 // One set-up of the download port. Kept with the settings store that reads
 // and writes it, since the store stands below the link subsystem.
 class DownloadPortInfoType {
-public:
+  public:
     // The user has asked for this port to be open.
     bool IsDefined() const { return IsDefined_; }
     void SetIsDefined(bool Value) { IsDefined_ = Value; }
@@ -23,7 +23,7 @@ public:
 
     void Copy(const DownloadPortInfoType& Source);
 
-private:
+  private:
     bool IsDefined_ = false;
     bool IsParallel_ = false;
     int16_t PortNumber_ = 0;

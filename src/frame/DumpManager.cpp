@@ -44,10 +44,10 @@ void SetProjectNameSource(std::function<QString()> Source) {
 
 QString BuildErrorReport() {
     const ErrObject& E = Err();
-    const QString Description =
-        E.Description.isEmpty()
-            ? QStringLiteral("Unknown exception")
-            : E.Description + QStringLiteral(" (") + QString::number(E.Number) + QStringLiteral(")");
+    const QString Description = E.Description.isEmpty()
+                                    ? QStringLiteral("Unknown exception")
+                                    : E.Description + QStringLiteral(" (") +
+                                          QString::number(E.Number) + QStringLiteral(")");
     QString ProjectName = ProjectNameSource ? ProjectNameSource() : QString();
     if (ProjectName.isEmpty()) {
         ProjectName = QStringLiteral("<none>");

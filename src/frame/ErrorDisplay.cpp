@@ -17,13 +17,17 @@ bool ErrorWasLogged = false;
 }  // namespace
 
 void InitializeErrorDisplay() {
+    if (LogFile) {
+        LogFile->close();
+        LogFile.reset();
+    }
     LogFileIsOpen = false;
     ErrorWasLogged = false;
 }
 
 QString LogFilename() {
-    return UtilitiesFilename::MakeFilename(DirectoryCentral::GetWorkPath(), QStringLiteral("Kavlin"),
-                                           QStringLiteral("err"));
+    return UtilitiesFilename::MakeFilename(DirectoryCentral::GetWorkPath(),
+                                           QStringLiteral("Kavlin"), QStringLiteral("err"));
 }
 
 void OpenLogFile() {
@@ -71,8 +75,7 @@ void ShowErrorMessage(const QString& Text, const QString& Title) {
         LogError(Text);
         return;
     }
-    MessageBoxService::Instance().Show(Text, Title, MsgBoxButtons::OKOnly,
-                                       MsgBoxIcon::Exclamation);
+    MessageBoxService::Instance().Show(Text, Title, MsgBoxButtons::OKOnly, MsgBoxIcon::Exclamation);
 }
 
 void ShowWarningMessage(const QString& Text, const QString& Title) {

@@ -4,7 +4,7 @@
 
 // A window's position and size in twips.
 class FormGeometry {
-public:
+  public:
     int32_t Top = 0;
     int32_t Left = 0;
     int32_t Width = 0;

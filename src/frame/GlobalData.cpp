@@ -14,9 +14,7 @@ bool EditorIsOpen = false;
 std::function<void(bool)> EditorButtonHandler;
 }  // namespace
 
-QString VersionText() {
-    return QStringLiteral("%1.%2.%3").arg(Major).arg(Minor).arg(Revision);
-}
+QString VersionText() { return QStringLiteral("%1.%2.%3").arg(Major).arg(Minor).arg(Revision); }
 
 QString ApplicationCaption() {
     return QStringLiteral("Kavlin Development System V") + VersionText();

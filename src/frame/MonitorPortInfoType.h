@@ -5,7 +5,7 @@
 // The set-up of the monitor port. Kept with the settings store that reads
 // and writes it, since the store stands below the monitor subsystem.
 class MonitorPortInfoType {
-public:
+  public:
     bool IsDefined = false;
     int32_t BaudRate = 19200;
     // 0 none, 1 even, 2 odd, 3 space, 4 mark.
@@ -21,7 +21,7 @@ public:
 
     void Copy(const MonitorPortInfoType& Source);
 
-private:
+  private:
     uint8_t PortNumber_ = 1;
     uint8_t DataBits_ = 8;
     int32_t StopBits_ = 0;

@@ -13,7 +13,9 @@ namespace {
 const QString AppName = QStringLiteral("Kavlin");
 const QString Section = QStringLiteral("Config");
 
-QString Get(const QString& Key) { return SettingsStore::Instance().GetSetting(AppName, Section, Key); }
+QString Get(const QString& Key) {
+    return SettingsStore::Instance().GetSetting(AppName, Section, Key);
+}
 
 void Save(const QString& Key, const QString& Value) {
     SettingsStore::Instance().SaveSetting(AppName, Section, Key, Value);
@@ -70,7 +72,9 @@ FormGeometry MakeGeometry(int32_t Top, int32_t Left, int32_t Width, int32_t Heig
     return G;
 }
 
-QString RightAligned(const QString& Text, int Width) { return Text.rightJustified(Width, QLatin1Char(' '), true); }
+QString RightAligned(const QString& Text, int Width) {
+    return Text.rightJustified(Width, QLatin1Char(' '), true);
+}
 
 const char ParityLetters[] = {'N', 'E', 'O', 'S', 'M'};
 const char* const StopTexts[] = {"10", "15", "20"};
@@ -200,7 +204,9 @@ int32_t RegistryGetMaxVstr() {
     return Text.isEmpty() ? 16 : ValToLong(Text);
 }
 
-void RegistrySaveMaxVstr(int32_t MaxVstr) { Save(QStringLiteral("MaxVstr"), QString::number(MaxVstr)); }
+void RegistrySaveMaxVstr(int32_t MaxVstr) {
+    Save(QStringLiteral("MaxVstr"), QString::number(MaxVstr));
+}
 
 bool RegistryGetOptimizeEnable() { return GetOnlyTrue(QStringLiteral("Optimize_Enable"), true); }
 

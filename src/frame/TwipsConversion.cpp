@@ -20,10 +20,18 @@ double DpiY() {
 }
 }  // namespace
 
-int TwipsToPixelsX(int32_t Twips) { return static_cast<int>(std::lround(Twips * DpiX() / TwipsPerInch)); }
-int TwipsToPixelsY(int32_t Twips) { return static_cast<int>(std::lround(Twips * DpiY() / TwipsPerInch)); }
-int32_t PixelsToTwipsX(int Pixels) { return static_cast<int32_t>(std::lround(Pixels * TwipsPerInch / DpiX())); }
-int32_t PixelsToTwipsY(int Pixels) { return static_cast<int32_t>(std::lround(Pixels * TwipsPerInch / DpiY())); }
+int TwipsToPixelsX(int32_t Twips) {
+    return static_cast<int>(std::lround(Twips * DpiX() / TwipsPerInch));
+}
+int TwipsToPixelsY(int32_t Twips) {
+    return static_cast<int>(std::lround(Twips * DpiY() / TwipsPerInch));
+}
+int32_t PixelsToTwipsX(int Pixels) {
+    return static_cast<int32_t>(std::lround(Pixels * TwipsPerInch / DpiX()));
+}
+int32_t PixelsToTwipsY(int Pixels) {
+    return static_cast<int32_t>(std::lround(Pixels * TwipsPerInch / DpiY()));
+}
 
 int32_t ScreenWidthTwips() {
     const QScreen* Screen = QGuiApplication::primaryScreen();

@@ -20,7 +20,8 @@ frmAbout::frmAbout() {
     lblDescription->setObjectName(QStringLiteral("lblDescription"));
     lblVersionType = new QLabel(QStringLiteral("Version ") + GlobalData::VersionText(), this);
     lblVersionType->setObjectName(QStringLiteral("lblVersionType"));
-    lblCopyrightNotice = new QLabel(CopyrightLine() + QStringLiteral("\nAll rights reserved."), this);
+    lblCopyrightNotice =
+        new QLabel(CopyrightLine() + QStringLiteral("\nAll rights reserved."), this);
     lblCopyrightNotice->setObjectName(QStringLiteral("lblCopyrightNotice"));
     cmdOK = new QPushButton(QStringLiteral("OK"), this);
     cmdOK->setObjectName(QStringLiteral("cmdOK"));
@@ -48,7 +49,7 @@ void frmAbout::cmdOK_Click() { accept(); }
 
 void frmAbout::cmdSysInfo_Click() {
     // This platform has no system information tool to start.
-    MessageBoxService::Instance().Show(QStringLiteral("System Information Is Unavailable At This Time"),
-                                       QStringLiteral("Kavlin"), MsgBoxButtons::OKOnly,
-                                       MsgBoxIcon::Information);
+    MessageBoxService::Instance().Show(
+        QStringLiteral("System Information Is Unavailable At This Time"), QStringLiteral("Kavlin"),
+        MsgBoxButtons::OKOnly, MsgBoxIcon::Information);
 }

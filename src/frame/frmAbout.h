@@ -7,7 +7,7 @@
 // The about box of both top-level windows.
 class frmAbout : public QDialog {
     Q_OBJECT
-public:
+  public:
     frmAbout();
 
     QLabel* lblTitle;
@@ -17,7 +17,7 @@ public:
     QPushButton* cmdOK;
     QPushButton* cmdSysInfo;
 
-public slots:
+  public slots:
     void cmdOK_Click();
     void cmdSysInfo_Click();
 };

@@ -7,18 +7,18 @@
 // beneath it. Any key, or a click on the logo or a label, unloads it at once.
 class frmSplash : public QWidget {
     Q_OBJECT
-public:
+  public:
     frmSplash();
 
     QLabel* imgKavlinlogo;
     QLabel* lblProductName;
     QLabel* lblCopyright;
 
-protected:
+  protected:
     void keyPressEvent(QKeyEvent* Event) override;
     bool eventFilter(QObject* Watched, QEvent* Event) override;
 
-private:
+  private:
     void UnloadSelf();
 };
 

@@ -93,12 +93,15 @@ frmWorkPathDefinition::frmWorkPathDefinition() {
     connect(drvWorkPath, &QComboBox::currentIndexChanged, this,
             &frmWorkPathDefinition::drvWorkPath_Change);
     connect(dirWorkPath, &DirectoryList::Change, this, &frmWorkPathDefinition::dirWorkPath_Change);
-    connect(dirWorkPath, &QListWidget::itemClicked, this, &frmWorkPathDefinition::dirWorkPath_Click);
+    connect(dirWorkPath, &QListWidget::itemClicked, this,
+            &frmWorkPathDefinition::dirWorkPath_Click);
     connect(cmdOK, &QPushButton::clicked, this, &frmWorkPathDefinition::cmdOK_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmWorkPathDefinition::cmdCancel_Click);
 }
 
-void frmWorkPathDefinition::drvWorkPath_Change() { dirWorkPath->SetPath(drvWorkPath->currentText()); }
+void frmWorkPathDefinition::drvWorkPath_Change() {
+    dirWorkPath->SetPath(drvWorkPath->currentText());
+}
 
 void frmWorkPathDefinition::dirWorkPath_Change() { txtWorkPath->setText(dirWorkPath->Path()); }
 

@@ -11,24 +11,24 @@
 // entry, a double click opens it and changes Path().
 class DirectoryList : public QListWidget {
     Q_OBJECT
-public:
+  public:
     explicit DirectoryList(QWidget* Parent = nullptr);
     QString Path() const { return Path_; }
     void SetPath(const QString& Path);
     // The full path of an entry.
     QString EntryPath(const QListWidgetItem* Item) const;
 
-signals:
+  signals:
     void Change();
 
-private:
+  private:
     QString Path_;
 };
 
 // Sets the work path, where projects are looked for.
 class frmWorkPathDefinition : public QDialog {
     Q_OBJECT
-public:
+  public:
     frmWorkPathDefinition();
 
     QLineEdit* txtWorkPath;
@@ -37,7 +37,7 @@ public:
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
 
-public slots:
+  public slots:
     void drvWorkPath_Change();
     void dirWorkPath_Change();
     void dirWorkPath_Click(QListWidgetItem* Item);

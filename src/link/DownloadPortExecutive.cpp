@@ -12,7 +12,8 @@ bool ReserveFileIsOpen = false;
 int ReserveFileNumber = 0;
 
 void ApplyDownloadPort() {
-    // Not yet: the serial chip link and the parallel programmer are still to be built, so no port opens.
+    // Not yet: the serial chip link and the parallel programmer are still to be built, so no port
+    // opens.
 }
 
 void CloseSerialPort() { PortIsOpen = false; }

@@ -31,7 +31,8 @@ bool ProcessEnded = false;
 EditorShutdownHandler* EditorShutdown = nullptr;
 
 QIcon ThemeIcon(const char* Name, QStyle::StandardPixmap Fallback) {
-    return QIcon::fromTheme(QString::fromLatin1(Name), QApplication::style()->standardIcon(Fallback));
+    return QIcon::fromTheme(QString::fromLatin1(Name),
+                            QApplication::style()->standardIcon(Fallback));
 }
 }  // namespace
 
@@ -238,9 +239,12 @@ FormGeometry frmDownloader::CurrentGeometry() const {
     // A field the window has not moved keeps the twips it was restored from,
     // so that rounding to pixels does not creep a little at every restart.
     FormGeometry Geometry;
-    Geometry.Top = pos().y() == RestoredPixels.y() ? RestoredGeometry.Top : PixelsToTwipsY(pos().y());
-    Geometry.Left = pos().x() == RestoredPixels.x() ? RestoredGeometry.Left : PixelsToTwipsX(pos().x());
-    Geometry.Width = width() == RestoredPixels.width() ? RestoredGeometry.Width : PixelsToTwipsX(width());
+    Geometry.Top =
+        pos().y() == RestoredPixels.y() ? RestoredGeometry.Top : PixelsToTwipsY(pos().y());
+    Geometry.Left =
+        pos().x() == RestoredPixels.x() ? RestoredGeometry.Left : PixelsToTwipsX(pos().x());
+    Geometry.Width =
+        width() == RestoredPixels.width() ? RestoredGeometry.Width : PixelsToTwipsX(width());
     Geometry.Height =
         height() == RestoredPixels.height() ? RestoredGeometry.Height : PixelsToTwipsY(height());
     return Geometry;
@@ -333,7 +337,8 @@ void frmDownloader::ToolBar_ButtonClick(const QString& Key) {
         } else if (Key == QStringLiteral("ClearSerial")) {
             cmdClearWindow_Click();
         } else {
-            ErrorDisplay::ProbeError(QStringLiteral("Error_1 in frmDownloader.ToolBar_ButtonClick"));
+            ErrorDisplay::ProbeError(
+                QStringLiteral("Error_1 in frmDownloader.ToolBar_ButtonClick"));
         }
     } catch (...) {
         ExceptionTypes::ProcessException(6, 3);

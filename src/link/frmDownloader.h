@@ -15,7 +15,7 @@
 
 // How the downloader reaches an open editor at shutdown without loading one.
 class EditorShutdownHandler {
-public:
+  public:
     virtual ~EditorShutdownHandler() = default;
     // Asks to save changed modules; CancelUnload True keeps everything open.
     virtual void ProcessExit(bool& CancelUnload) = 0;
@@ -26,7 +26,7 @@ public:
 // owns the order of start-up; closing it ends the process.
 class frmDownloader : public QMainWindow, public CommandLineInterpreter::CommandLineHost {
     Q_OBJECT
-public:
+  public:
     frmDownloader();
     ~frmDownloader() override;
 
@@ -87,7 +87,7 @@ public:
     QAction* cmdResetCPU;
     QAction* cmdClearWindow;
 
-public slots:
+  public slots:
     void ToolBar_ButtonClick(const QString& Key);
     void mnuOpenDownload_Click();
     void mnuSetWorkingDirectory_Click();
@@ -105,10 +105,10 @@ public slots:
     void cmdResetCPU_Click();
     void cmdClearWindow_Click();
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* Event) override;
 
-private:
+  private:
     void BuildMenus();
     void BuildToolBar();
     void BuildStatusBar();

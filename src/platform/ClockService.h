@@ -7,7 +7,7 @@
 // through here: the program's service really sleeps and pumps Qt's events,
 // a test's service advances virtual time, so a ten-second wait takes no time.
 class ClockService {
-public:
+  public:
     virtual ~ClockService() = default;
     // Blocks the thread for the given milliseconds.
     virtual void Sleep(uint32_t Milliseconds) = 0;
@@ -23,7 +23,7 @@ public:
 };
 
 class RealClockService : public ClockService {
-public:
+  public:
     void Sleep(uint32_t Milliseconds) override;
     int64_t TickCount() override;
     double Timer() override;

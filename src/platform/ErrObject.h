@@ -17,14 +17,14 @@ struct ErrObject {
 };
 
 class RuntimeError : public std::exception {
-public:
+  public:
     RuntimeError(int32_t Number, QString Description)
         : Number_(Number), Description_(std::move(Description)), What_(Description_.toUtf8()) {}
     int32_t Number() const { return Number_; }
     const QString& Description() const { return Description_; }
     const char* what() const noexcept override { return What_.constData(); }
 
-private:
+  private:
     int32_t Number_;
     QString Description_;
     QByteArray What_;

@@ -6,7 +6,7 @@
 // and "first use loads the form" are expressed.
 template <class T>
 class Global {
-public:
+  public:
     static T& Get() {
         T*& Ref = Slot();
         if (Ref == nullptr) {
@@ -34,7 +34,7 @@ public:
         return Old;
     }
 
-private:
+  private:
     static T*& Slot() {
         static T* Instance = nullptr;
         return Instance;

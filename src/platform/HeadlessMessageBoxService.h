@@ -8,11 +8,11 @@
 // text to a stream (standard error in the program), so that a run on a machine
 // without a display never waits for a person who cannot be there.
 class HeadlessMessageBoxService : public MessageBoxService {
-public:
+  public:
     explicit HeadlessMessageBoxService(std::FILE* Stream = stderr) : Stream_(Stream) {}
     int Show(const QString& Text, const QString& Title, MsgBoxButtons Buttons,
              MsgBoxIcon Icon) override;
 
-private:
+  private:
     std::FILE* Stream_;
 };

@@ -17,7 +17,7 @@ constexpr int vbNo = 7;
 // program, a scripted answerer in tests, and a non-blocking answerer where no
 // display exists.
 class MessageBoxService {
-public:
+  public:
     virtual ~MessageBoxService() = default;
     virtual int Show(const QString& Text, const QString& Title, MsgBoxButtons Buttons,
                      MsgBoxIcon Icon) = 0;

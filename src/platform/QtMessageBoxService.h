@@ -4,7 +4,7 @@
 
 // The boxes a person sees: QMessageBox, modal, with the system's texts.
 class QtMessageBoxService : public MessageBoxService {
-public:
+  public:
     int Show(const QString& Text, const QString& Title, MsgBoxButtons Buttons,
              MsgBoxIcon Icon) override;
 };

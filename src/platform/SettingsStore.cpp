@@ -39,8 +39,8 @@ QString QSettingsStore::GetSetting(const QString& AppName, const QString& Sectio
     return Value.toString();
 }
 
-void QSettingsStore::SaveSetting(const QString& AppName, const QString& Section,
-                                 const QString& Key, const QString& Value) {
+void QSettingsStore::SaveSetting(const QString& AppName, const QString& Section, const QString& Key,
+                                 const QString& Value) {
     QSettings Settings(QSettings::NativeFormat, QSettings::UserScope, AppName, AppName);
     Settings.beginGroup(Section);
     Settings.setValue(Key, Value);

@@ -8,11 +8,11 @@
 // open". The module list, the project file and the preference file mirror
 // join this class with the project model.
 class ProjectType {
-public:
+  public:
     bool IsDefined() const { return IsDefined_; }
     const QString& Name() const { return Name_; }
 
-private:
+  private:
     bool IsDefined_ = false;
     QString Name_;
 };

@@ -1,8 +1,9 @@
+#include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -10,16 +11,16 @@ namespace {
 // path with projects, an install directory. The program runs as a process
 // with no display.
 class BatchAcceptance : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         ASSERT_TRUE(Root.isValid());
         Work = Root.filePath(QStringLiteral("work"));
         Install = Root.filePath(QStringLiteral("install"));
         Config = Root.filePath(QStringLiteral("config"));
         Runtime = Root.filePath(QStringLiteral("runtime"));
-        for (const QString& Dir : {Work, Install + QStringLiteral("/Temp"),
-                                   Install + QStringLiteral("/BinKV10"), Install + QStringLiteral("/BinKV20"),
-                                   Config + QStringLiteral("/Kavlin"), Runtime}) {
+        for (const QString& Dir :
+             {Work, Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
+              Install + QStringLiteral("/BinKV20"), Config + QStringLiteral("/Kavlin"), Runtime}) {
             ASSERT_TRUE(QDir().mkpath(Dir));
         }
         QFile::setPermissions(Runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -98,7 +99,8 @@ TEST_F(BatchAcceptance, DownloadBeforeCompileIsRefusedAtTheFirstCommand) {
 }
 
 TEST_F(BatchAcceptance, FourWordsAreTooManyCommands) {
-    Run({QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d"), QStringLiteral("/c")});
+    Run({QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d"),
+         QStringLiteral("/c")});
     EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /c /d /c"), QString(),
                                        QStringLiteral("Error -- too many commands")}));
 }
@@ -113,16 +115,16 @@ TEST_F(BatchAcceptance, CompileOfAProjectInTheWorkPathLogsItsFullNameAndDone) {
 
 TEST_F(BatchAcceptance, MissingProjectIsLoggedWithoutDone) {
     Run({QStringLiteral("nosuch"), QStringLiteral("/c"), QStringLiteral("/d")});
-    EXPECT_EQ(LogLines(),
-              (QStringList{QStringLiteral("Command line:  nosuch /c /d"), QString(),
-                           QStringLiteral("Project not found:  ") + Work + QStringLiteral("/nosuch.kvp")}));
+    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  nosuch /c /d"), QString(),
+                                       QStringLiteral("Project not found:  ") + Work +
+                                           QStringLiteral("/nosuch.kvp")}));
 }
 
 TEST_F(BatchAcceptance, MissingImageIsLoggedWithoutDone) {
     Run({QStringLiteral("blink"), QStringLiteral("/d")});
-    EXPECT_EQ(LogLines(),
-              (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
-                           QStringLiteral("KVB file not found:  ") + Work + QStringLiteral("/blink.kvb")}));
+    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
+                                       QStringLiteral("KVB file not found:  ") + Work +
+                                           QStringLiteral("/blink.kvb")}));
 }
 
 TEST_F(BatchAcceptance, DownloadWithNoPortSetUpReportsItAndEndsWithDone) {
@@ -139,7 +141,8 @@ TEST_F(BatchAcceptance, QuotedPathWithBlankFallsApartIntoAnIllegalCommand) {
     Run({QStringLiteral("\"") + Root.path() + QStringLiteral("/my dir/a.kvp\"")});
     const QStringList Lines = LogLines();
     ASSERT_EQ(Lines.size(), 3);
-    EXPECT_EQ(Lines[0], QStringLiteral("Command line:  \"") + Root.path() + QStringLiteral("/my dir/a.kvp\""));
+    EXPECT_EQ(Lines[0], QStringLiteral("Command line:  \"") + Root.path() +
+                            QStringLiteral("/my dir/a.kvp\""));
     EXPECT_EQ(Lines[2], QStringLiteral("Error -- illegal command:  dir/a.kvp\""));
 }
 
@@ -149,7 +152,8 @@ TEST_F(BatchAcceptance, QuotedFullPathIsLookedForWhereItPointsNotInTheWorkPath) 
     // standard error, answered by itself.
     const QString Elsewhere = Root.filePath(QStringLiteral("elsewhere/blink.kvp"));
     EXPECT_EQ(Run({QStringLiteral("\"") + Elsewhere + QStringLiteral("\"")}), 0);
-    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Project Not Found] Project not found:  ") + Elsewhere))
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Project Not Found] Project not found:  ") +
+                                       Elsewhere))
         << StandardError.toStdString();
     EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/Kavlin.err")));
 }
@@ -172,8 +176,9 @@ TEST_F(BatchAcceptance, SecondBatchReplacesTheFirstLog) {
 TEST_F(BatchAcceptance, BrokenInstallationIsReportedOnStandardErrorAndTheBatchStillRuns) {
     WriteSettings(Root.filePath(QStringLiteral("no-install")));
     Run({QStringLiteral("blink"), QStringLiteral("/c")});
-    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Installation Error] Can't find program directory ") +
-                                       Root.filePath(QStringLiteral("no-install"))))
+    EXPECT_TRUE(StandardError.contains(
+        QStringLiteral("[Installation Error] Can't find program directory ") +
+        Root.filePath(QStringLiteral("no-install"))))
         << StandardError.toStdString();
     EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
 }

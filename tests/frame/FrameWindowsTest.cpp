@@ -30,7 +30,8 @@ TEST_F(FrameWindows, AboutSystemInfoSaysItIsUnavailable) {
     frmAbout& About = Global<frmAbout>::Get();
     About.cmdSysInfo->click();
     ASSERT_EQ(Boxes->Boxes.size(), 1);
-    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("System Information Is Unavailable At This Time"));
+    EXPECT_EQ(Boxes->Boxes[0].Text,
+              QStringLiteral("System Information Is Unavailable At This Time"));
     Global<frmAbout>::Unload();
 }
 
@@ -49,8 +50,10 @@ TEST_F(FrameWindows, SplashShowsTheCaptionUnderTheLogoAtItsWidth) {
     EXPECT_EQ(Splash.lblProductName->text(), QStringLiteral("Kavlin Development System V2.0.24"));
     EXPECT_TRUE(Splash.lblCopyright->text().contains(QChar(169)));
     EXPECT_EQ(Splash.lblProductName->width(), Splash.imgKavlinlogo->pixmap().width());
-    EXPECT_GE(Splash.lblProductName->y(), Splash.imgKavlinlogo->y() + Splash.imgKavlinlogo->height());
-    EXPECT_GE(Splash.lblCopyright->y(), Splash.lblProductName->y() + Splash.lblProductName->height());
+    EXPECT_GE(Splash.lblProductName->y(),
+              Splash.imgKavlinlogo->y() + Splash.imgKavlinlogo->height());
+    EXPECT_GE(Splash.lblCopyright->y(),
+              Splash.lblProductName->y() + Splash.lblProductName->height());
     Global<frmSplash>::Unload();
 }
 
@@ -69,7 +72,8 @@ TEST_F(FrameWindows, WorkPathDialogStartsFromTheStoredPath) {
     frmWorkPathDefinition& Dialog = Global<frmWorkPathDefinition>::Get();
     EXPECT_EQ(Dialog.txtWorkPath->text(), Projects);
     EXPECT_EQ(Dialog.dirWorkPath->Path(), QDir::cleanPath(Projects));
-    EXPECT_FALSE(Dialog.dirWorkPath->findItems(QStringLiteral("alpha"), Qt::MatchExactly).isEmpty());
+    EXPECT_FALSE(
+        Dialog.dirWorkPath->findItems(QStringLiteral("alpha"), Qt::MatchExactly).isEmpty());
     Global<frmWorkPathDefinition>::Unload();
 }
 
@@ -78,7 +82,8 @@ TEST_F(FrameWindows, WorkPathDialogClickOnADirectoryCopiesItsPath) {
     QDir().mkpath(Projects + QStringLiteral("/alpha"));
     SetSetting(QStringLiteral("Work_Dir"), Projects);
     frmWorkPathDefinition& Dialog = Global<frmWorkPathDefinition>::Get();
-    QListWidgetItem* Alpha = Dialog.dirWorkPath->findItems(QStringLiteral("alpha"), Qt::MatchExactly).first();
+    QListWidgetItem* Alpha =
+        Dialog.dirWorkPath->findItems(QStringLiteral("alpha"), Qt::MatchExactly).first();
     Dialog.dirWorkPath_Click(Alpha);
     EXPECT_EQ(Dialog.txtWorkPath->text(), QDir::cleanPath(Projects + QStringLiteral("/alpha")));
     Global<frmWorkPathDefinition>::Unload();

@@ -15,7 +15,7 @@
 namespace {
 
 class FakeEditor : public EditorShutdownHandler {
-public:
+  public:
     void ProcessExit(bool& CancelUnload) override {
         ++Prompts;
         CancelUnload = AnswerCancel;
@@ -30,7 +30,7 @@ public:
 };
 
 class DownloaderTest : public FrameFixture {
-protected:
+  protected:
     void SetUp() override {
         FrameFixture::SetUp();
         // A good installation, so that start-up shows no box of its own.
@@ -283,13 +283,15 @@ TEST_F(DownloaderTest, EditorButtonIsDisabledWhileTheEditorIsOpen) {
 TEST_F(DownloaderTest, ToolBarHoldsItsButtonsByPosition) {
     frmDownloader& Window = Load();
     ASSERT_GE(Window.ToolBarButtons.size(), 10);
-    const char* Keys[] = {"Open", "Editor", nullptr, nullptr, nullptr, "Stop", "Run", "Reset", "Download"};
+    const char* Keys[] = {"Open", "Editor", nullptr, nullptr,   nullptr,
+                          "Stop", "Run",    "Reset", "Download"};
     for (int Position = 1; Position <= 9; ++Position) {
         QAction* Button = Window.ToolBarButtons[Position - 1];
         if (Keys[Position - 1] == nullptr) {
             EXPECT_TRUE(Button->isSeparator()) << Position;
         } else {
-            EXPECT_EQ(Button->data().toString(), QString::fromLatin1(Keys[Position - 1])) << Position;
+            EXPECT_EQ(Button->data().toString(), QString::fromLatin1(Keys[Position - 1]))
+                << Position;
         }
     }
     EXPECT_EQ(Window.ToolBarButtons.back()->data().toString(), QStringLiteral("ClearSerial"));
@@ -321,7 +323,7 @@ TEST_F(DownloaderTest, NoProjectReadsUndefinedAndCreatesAnEmptyOneWithoutMessage
 
 // Throws from the first box it is asked for, and records the rest.
 class ThrowingOnceBoxes : public ScriptedMessageBoxService {
-public:
+  public:
     int Show(const QString& Text, const QString& Title, MsgBoxButtons Buttons,
              MsgBoxIcon Icon) override {
         if (!Thrown) {
@@ -343,7 +345,8 @@ TEST_F(DownloaderTest, ErrorDuringStartUpGivesReport601AndStopsTheLoad) {
     ASSERT_EQ(Recorder->Boxes.size(), 1);
     EXPECT_EQ(Recorder->Boxes[0].Title, QStringLiteral("Unexpected Error"));
     EXPECT_TRUE(Recorder->Boxes[0].Text.contains(QStringLiteral("    Error code:  601\r\n")));
-    EXPECT_TRUE(Recorder->Boxes[0].Text.contains(QStringLiteral("    Description:  box failed (51)")));
+    EXPECT_TRUE(
+        Recorder->Boxes[0].Text.contains(QStringLiteral("    Description:  box failed (51)")));
     // The load went no further: the chip type was never read from the store.
     EXPECT_EQ(GlobalData::ChipType, 2);
     EXPECT_TRUE(Window.mnuRescue->isEnabled());

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <QTemporaryDir>
 
 #include "platform/SettingsStore.h"
 #include "support/ScriptedMessageBoxService.h"
@@ -10,7 +11,7 @@
 // A fresh frame for each test: settings in memory, scripted boxes, virtual
 // time, a temporary work path, and the frame's state as at start-up.
 class FrameFixture : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override;
     void TearDown() override;
 

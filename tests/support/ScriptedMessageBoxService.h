@@ -10,7 +10,7 @@
 // and answers from a queue; with the queue empty a box takes its default
 // button, as nobody is there to press another.
 class ScriptedMessageBoxService : public MessageBoxService {
-public:
+  public:
     struct Box {
         QString Text;
         QString Title;

@@ -1,6 +1,7 @@
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QStandardPaths>
-#include <gtest/gtest.h>
 
 #include "platform/SettingsStore.h"
 #include "support/ScriptedMessageBoxService.h"

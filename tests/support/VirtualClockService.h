@@ -7,7 +7,7 @@
 // Virtual time for tests: Sleep advances the clock at once. DoEvents lets
 // Qt's queued events run, so windows behave as in the program.
 class VirtualClockService : public ClockService {
-public:
+  public:
     void Sleep(uint32_t Milliseconds) override;
     int64_t TickCount() override { return NowMs; }
     double Timer() override { return static_cast<double>(NowMs % 86400000) / 1000.0; }
