@@ -25,9 +25,20 @@ void ProjectNotFound(const QString& ProjectFile) {
                                    QStringLiteral("Project Not Found"));
 }
 
-void PrefFileNotFound(const QString& PrefFile) {
-    ErrorDisplay::ShowErrorMessage(QStringLiteral("PRF file not found:  ") + PrefFile,
-                                   QStringLiteral("PRF File Not Found"));
+// The two files a command needs: each missing one is reported by its own
+// text and title; False when the batch must end.
+bool BothFilesExist(const QString& FirstFile, const QString& FirstText, const QString& FirstTitle,
+                    const QString& PrefFile) {
+    if (!UtilitiesFilename::FileExists(FirstFile)) {
+        ErrorDisplay::ShowErrorMessage(FirstText + FirstFile, FirstTitle);
+        return false;
+    }
+    if (!UtilitiesFilename::FileExists(PrefFile)) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("PRF file not found:  ") + PrefFile,
+                                       QStringLiteral("PRF File Not Found"));
+        return false;
+    }
+    return true;
 }
 }  // namespace
 
@@ -155,13 +166,8 @@ void Run() {
         }
         const QString& Command = Arguments[Index];
         if (Command == QStringLiteral("/c")) {
-            if (!UtilitiesFilename::FileExists(ProjectFile)) {
-                ProjectNotFound(ProjectFile);
-                EndRun();
-                return;
-            }
-            if (!UtilitiesFilename::FileExists(PrefFile)) {
-                PrefFileNotFound(PrefFile);
+            if (!BothFilesExist(ProjectFile, QStringLiteral("Project not found:  "),
+                                QStringLiteral("Project Not Found"), PrefFile)) {
                 EndRun();
                 return;
             }
@@ -173,14 +179,8 @@ void Run() {
                 Host->CompileAll();
             }
         } else if (Command == QStringLiteral("/d")) {
-            if (!UtilitiesFilename::FileExists(ImageFile)) {
-                ErrorDisplay::ShowErrorMessage(QStringLiteral("KVB file not found:  ") + ImageFile,
-                                               QStringLiteral("KVB File Not Found"));
-                EndRun();
-                return;
-            }
-            if (!UtilitiesFilename::FileExists(PrefFile)) {
-                PrefFileNotFound(PrefFile);
+            if (!BothFilesExist(ImageFile, QStringLiteral("KVB file not found:  "),
+                                QStringLiteral("KVB File Not Found"), PrefFile)) {
                 EndRun();
                 return;
             }

@@ -5,25 +5,14 @@
 #include <QThread>
 #include <QTime>
 
-namespace {
-std::unique_ptr<ClockService>& Current() {
-    static std::unique_ptr<ClockService> Service;
-    return Service;
-}
-}  // namespace
+#include "platform/ServiceSlot.h"
 
 ClockService& ClockService::Instance() {
-    auto& Service = Current();
-    if (!Service) {
-        Service = std::make_unique<RealClockService>();
-    }
-    return *Service;
+    return ServiceSlot<ClockService, RealClockService>::Instance();
 }
 
 std::unique_ptr<ClockService> ClockService::Install(std::unique_ptr<ClockService> Service) {
-    auto Old = std::move(Current());
-    Current() = std::move(Service);
-    return Old;
+    return ServiceSlot<ClockService, RealClockService>::Install(std::move(Service));
 }
 
 void RealClockService::Sleep(uint32_t Milliseconds) { QThread::msleep(Milliseconds); }

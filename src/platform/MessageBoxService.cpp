@@ -1,27 +1,15 @@
 #include "platform/MessageBoxService.h"
 
 #include "platform/HeadlessMessageBoxService.h"
-
-namespace {
-std::unique_ptr<MessageBoxService>& Current() {
-    static std::unique_ptr<MessageBoxService> Service;
-    return Service;
-}
-}  // namespace
+#include "platform/ServiceSlot.h"
 
 MessageBoxService& MessageBoxService::Instance() {
-    auto& Service = Current();
-    if (!Service) {
-        Service = std::make_unique<HeadlessMessageBoxService>();
-    }
-    return *Service;
+    return ServiceSlot<MessageBoxService, HeadlessMessageBoxService>::Instance();
 }
 
 std::unique_ptr<MessageBoxService> MessageBoxService::Install(
     std::unique_ptr<MessageBoxService> Service) {
-    auto Old = std::move(Current());
-    Current() = std::move(Service);
-    return Old;
+    return ServiceSlot<MessageBoxService, HeadlessMessageBoxService>::Install(std::move(Service));
 }
 
 int DefaultAnswer(MsgBoxButtons Buttons) {

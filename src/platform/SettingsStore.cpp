@@ -2,29 +2,20 @@
 
 #include <QSettings>
 
-namespace {
-std::unique_ptr<SettingsStore>& Current() {
-    static std::unique_ptr<SettingsStore> Store;
-    return Store;
-}
+#include "platform/ServiceSlot.h"
 
+namespace {
 QString StoreKey(const QString& AppName, const QString& Section, const QString& Key) {
     return AppName + QLatin1Char('/') + Section + QLatin1Char('/') + Key;
 }
 }  // namespace
 
 SettingsStore& SettingsStore::Instance() {
-    auto& Store = Current();
-    if (!Store) {
-        Store = std::make_unique<QSettingsStore>();
-    }
-    return *Store;
+    return ServiceSlot<SettingsStore, QSettingsStore>::Instance();
 }
 
-std::unique_ptr<SettingsStore> SettingsStore::Install(std::unique_ptr<SettingsStore> Store) {
-    auto Old = std::move(Current());
-    Current() = std::move(Store);
-    return Old;
+std::unique_ptr<SettingsStore> SettingsStore::Install(std::unique_ptr<SettingsStore> Service) {
+    return ServiceSlot<SettingsStore, QSettingsStore>::Install(std::move(Service));
 }
 
 QString QSettingsStore::GetSetting(const QString& AppName, const QString& Section,

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -105,3 +109,67 @@ TEST(MemorySettingsStore, KeepsValuesApartByApplicationSectionAndKey) {
 }
 
 }  // namespace
+
+// The settings file of the program, pointed at a temporary folder.
+class QSettingsStoreFile : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(Folder.isValid());
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Folder.path());
+    }
+    void TearDown() override {
+        // Back to a folder that outlives this test.
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Spare.path());
+    }
+    static inline QTemporaryDir Spare;
+    QString FileText() const {
+        QFile File(Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf")));
+        return File.open(QIODevice::ReadOnly) ? QString::fromUtf8(File.readAll()) : QString();
+    }
+    QTemporaryDir Folder;
+};
+
+TEST_F(QSettingsStoreFile, WritesTheConfigGroupOfKavlinConf) {
+    QSettingsStore Store;
+    Store.SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                      QStringLiteral("Chip_Type"), QStringLiteral("KV30"));
+    const QString Text = FileText();
+    EXPECT_TRUE(Text.contains(QStringLiteral("[Config]"))) << Text.toStdString();
+    EXPECT_TRUE(Text.contains(QStringLiteral("Chip_Type=KV30"))) << Text.toStdString();
+    EXPECT_EQ(Store.GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                               QStringLiteral("Chip_Type")),
+              QStringLiteral("KV30"));
+}
+
+TEST_F(QSettingsStoreFile, AbsentKeyReadsEmpty) {
+    QSettingsStore Store;
+    EXPECT_TRUE(Store
+                    .GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                                QStringLiteral("Work_Dir"))
+                    .isEmpty());
+}
+
+TEST_F(QSettingsStoreFile, KeepsTheMonitorRecordWithItsBlanksAndCommas) {
+    QSettingsStore Store;
+    const QString Record = QStringLiteral("  1,  19200,N,8,10");
+    Store.SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                      QStringLiteral("KV20port_Number"), Record);
+    EXPECT_EQ(Store.GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                               QStringLiteral("KV20port_Number")),
+              Record);
+}
+
+TEST_F(QSettingsStoreFile, ReadsAValueWrittenByHandWithCommas) {
+    QDir().mkpath(Folder.filePath(QStringLiteral("Kavlin")));
+    QFile File(Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf")));
+    ASSERT_TRUE(File.open(QIODevice::WriteOnly));
+    File.write("[Config]\nPort_Address=&H378\nKV20port_Number=\"  2,   9600,E,7,20\"\n");
+    File.close();
+    QSettingsStore Store;
+    EXPECT_EQ(Store.GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                               QStringLiteral("Port_Address")),
+              QStringLiteral("&H378"));
+    EXPECT_EQ(Store.GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
+                               QStringLiteral("KV20port_Number")),
+              QStringLiteral("  2,   9600,E,7,20"));
+}
