@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "frame/CommandLineInterpreter.h"
+#include "frame/ErrorDisplay.h"
 #include "link/frmDownloader.h"
 #include "platform/Global.h"
 #include "platform/HeadlessMessageBoxService.h"
@@ -54,7 +55,11 @@ int main(int argc, char** argv) {
     frmDownloader& Downloader = Global<frmDownloader>::Get();
     Downloader.Form_Load();
     int ExitCode = 0;
-    if (!frmDownloader::ProcessHasEnded() && ChoseOffscreen) {
+    if (!frmDownloader::ProcessHasEnded() && CommandLineInterpreter::GetCommandLineMode()) {
+        // A batch stopped by an unexpected error (reported in its log): nobody
+        // is there to close the window, so the run ends here.
+        ErrorDisplay::CloseLogFile();
+    } else if (!frmDownloader::ProcessHasEnded() && ChoseOffscreen) {
         // Interactive from here on, but there is no display to show it on.
         std::fputs("kavlin: no display; the windows cannot be shown\n", stderr);
         ExitCode = 1;

@@ -1,8 +1,10 @@
 #include "frame/frmSplash.h"
 
 #include <QEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "frame/GlobalData.h"
@@ -54,6 +56,10 @@ frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindow
 
     for (QLabel* Label : {imgKavlinlogo, lblProductName, lblCopyright}) {
         Label->installEventFilter(this);
+    }
+    adjustSize();
+    if (const QScreen* Screen = QGuiApplication::primaryScreen()) {
+        move(Screen->availableGeometry().center() - rect().center());
     }
 }
 
