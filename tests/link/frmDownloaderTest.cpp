@@ -157,38 +157,6 @@ TEST_F(DownloaderTest, WindowBeyondTheScreenComesBackToTheEdge) {
     EXPECT_EQ(Geometry.Left, 0);
 }
 
-TEST(FormGeometryLimits, TopBeyondScreenHeightLessMarginBecomesZeroAndExactLimitStays) {
-    FormGeometry Beyond;
-    Beyond.Top = 30000;
-    Beyond.Left = 100;
-    Beyond.ClampToScreen(16000, 12000);
-    EXPECT_EQ(Beyond.Top, 0);
-    EXPECT_EQ(Beyond.Left, 100);
-
-    FormGeometry AtLimit;
-    AtLimit.Top = 12000 - 567;
-    AtLimit.Left = 16000 - 567;
-    AtLimit.ClampToScreen(16000, 12000);
-    EXPECT_EQ(AtLimit.Top, 12000 - 567);
-    EXPECT_EQ(AtLimit.Left, 16000 - 567);
-
-    FormGeometry OneBeyond;
-    OneBeyond.Top = 12000 - 566;
-    OneBeyond.Left = 16000 - 566;
-    OneBeyond.ClampToScreen(16000, 12000);
-    EXPECT_EQ(OneBeyond.Top, 0);
-    EXPECT_EQ(OneBeyond.Left, 0);
-}
-
-TEST(FormGeometryLimits, NegativeLeftIsLookedAtOnlyWhenTopIsNotNegative) {
-    FormGeometry G;
-    G.Top = 5;
-    G.Left = -7;
-    G.ClampNegative();
-    EXPECT_EQ(G.Top, 5);
-    EXPECT_EQ(G.Left, 0);
-}
-
 TEST_F(DownloaderTest, GeometryAndChipTypeSurviveARestart) {
     SetSetting(QStringLiteral("Chip_Type"), QStringLiteral("KV30"));
     frmDownloader& First = Load();
