@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
     frmDownloader& Downloader = Global<frmDownloader>::Get();
     Downloader.Form_Load();
     int ExitCode = 0;
-    if (!frmDownloader::ProcessHasEnded() && CommandLineInterpreter::GetCommandLineMode()) {
+    if (!frmDownloader::ProcessHasEnded() && ArgumentCount >= 2) {
         // A batch stopped by an unexpected error (reported in its log): nobody
         // is there to close the window, so the run ends here.
         ErrorDisplay::CloseLogFile();

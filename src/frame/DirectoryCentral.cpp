@@ -40,10 +40,11 @@ void InitializeWorkPath() {
     if (!UtilitiesFilename::DirectoryExists(WorkPath)) {
         WorkPath = ApplicationPath;
     }
-    const QString Absolute = UtilitiesFilename::GetAbsolutePath(WorkPath);
+    // Absolute, so that file names made from it stay right after the change of directory.
+    WorkPath = UtilitiesFilename::GetAbsolutePath(WorkPath);
     // There are no drive letters to change to here; a path that names one
     // ("C:\...") cannot be a directory of this file system anyway.
-    if (Absolute.mid(1, 2) != QStringLiteral(":\\")) {
+    if (WorkPath.mid(1, 2) != QStringLiteral(":\\")) {
         ErrorDisplay::ProbeError(QStringLiteral("Error_1 in DirectoryCentral.InitializeWorkPath"));
     }
     if (!QDir::setCurrent(UtilitiesFilename::LocalFilename(WorkPath))) {
@@ -105,6 +106,7 @@ void CheckLibraryFiles(bool& Success) {
 
 void CheckInstallation(bool& Success) {
     bool ObjectDirectoryOk = false;
+    // Not yet: until the compile registers its version check, the component is not looked at.
     bool CompilerOk = true;
     bool LibraryOk = false;
     CheckObjectDirectory(ObjectDirectoryOk);

@@ -12,13 +12,16 @@ bool ReserveFileIsOpen = false;
 int ReserveFileNumber = 0;
 
 void ApplyDownloadPort() {
-    // Not yet: the serial chip link and the parallel programmer are still to be built, so no port
-    // opens.
+    // Not yet: no port opens before the serial chip link and the parallel programmer are built.
 }
 
-void CloseSerialPort() { PortIsOpen = false; }
+void CloseSerialPort() {
+    // Not yet: no serial port is opened before the serial chip link is built; only the flag drops.
+    PortIsOpen = false;
+}
 
 void CloseParallelPort() {
+    // Not yet: no parallel port or LPT device is held before the programmer is built.
     ReserveFileIsOpen = false;
     PortIsOpen = false;
 }

@@ -431,7 +431,7 @@ void frmDownloader::OpenKVBfile(const QString&) {
 }
 
 bool frmDownloader::OpenDownloadPort() {
-    // The executive opens nothing yet, so a batch download reports the port as not open.
+    // Not yet: the executive opens no port yet, so a batch download reports it as not open.
     return DownloadPortExecutive::DownloadPortIsOpen();
 }
 

@@ -15,7 +15,7 @@ void InitializeCapture() {
 }
 
 void CloseCaptureFile() {
-    // No capture file can be open yet: the capture window that opens one is still to be built.
+    // Not yet: no capture file is opened before the capture window is built.
     CaptureFileIsOpen = false;
     CaptureFilename.clear();
 }

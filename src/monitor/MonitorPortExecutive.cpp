@@ -20,7 +20,10 @@ void InitializeMonitorPort() {
     ApplyMonitorPort();
 }
 
-void CloseMonitorPort() { MonitorPortIsOpen = false; }
+void CloseMonitorPort() {
+    // Not yet: no monitor port is opened before the monitor terminal is built; only the flag drops.
+    MonitorPortIsOpen = false;
+}
 
 bool GetMonitorPortIsOpen() { return MonitorPortIsOpen; }
 

@@ -164,6 +164,18 @@ TEST_F(BatchAcceptance, OpeningAProjectWithoutADisplayEndsWithAClearMessage) {
     EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/Kavlin.err")));
 }
 
+TEST_F(BatchAcceptance, RelativeWorkDirFindsTheProjectAndKeepsTheLogThere) {
+    QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
+    ASSERT_TRUE(Conf.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    Conf.write("[Config]\nWork_Dir=work\nRun_Dir=" + Install.toUtf8() + "\n");
+    Conf.close();
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+                           QStringLiteral("Done.")}));
+}
+
 TEST_F(BatchAcceptance, SecondBatchReplacesTheFirstLog) {
     Run({QStringLiteral("blink"), QStringLiteral("/x")});
     Run({QStringLiteral("blink"), QStringLiteral("/c")});
@@ -191,7 +203,7 @@ TEST_F(BatchAcceptance, MissingTemporaryDirectoryIsNotCreatedWhenNobodyCanAnswer
     EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
 }
 
-TEST_F(BatchAcceptance, ChipTypeSurvivesInTheSettingsFileAcrossRuns) {
+TEST_F(BatchAcceptance, BatchKeepsStoredSettingsAndStoresTheWindowGeometry) {
     QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
     ASSERT_TRUE(Conf.open(QIODevice::Append));
     Conf.write("Chip_Type=KV30\n");

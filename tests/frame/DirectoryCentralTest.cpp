@@ -89,6 +89,16 @@ TEST_F(DirectoryCentralTest, InitializeWorkPathReadsTheSettingAnew) {
     EXPECT_EQ(Canonical(QDir::currentPath()), Canonical(Work));
 }
 
+TEST_F(DirectoryCentralTest, RelativeWorkDirBecomesAbsoluteBeforeTheChangeOfDirectory) {
+    ASSERT_TRUE(QDir().mkpath(TempPath() + QStringLiteral("/rel/work")));
+    QDir::setCurrent(TempPath() + QStringLiteral("/rel"));
+    SetSetting(QStringLiteral("Work_Dir"), QStringLiteral("work"));
+    InitializeDirectories();
+    EXPECT_EQ(GetWorkPath(), TempPath() + QStringLiteral("/rel/work"));
+    EXPECT_EQ(Canonical(QDir::currentPath()), Canonical(TempPath() + QStringLiteral("/rel/work")));
+    EXPECT_TRUE(Boxes->Boxes.isEmpty());
+}
+
 // ---- CreateDirectory --------------------------------------------------------
 
 TEST_F(DirectoryCentralTest, CreateDirectoryMakesOneDirectory) {

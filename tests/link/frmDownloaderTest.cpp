@@ -3,11 +3,15 @@
 #include <stdexcept>
 
 #include "frame/DirectoryCentral.h"
+#include "frame/DumpManager.h"
 #include "frame/GlobalData.h"
 #include "frame/RegistryCentral.h"
 #include "frame/TwipsConversion.h"
 #include "frame/frmSplash.h"
+#include "link/DownloadPortExecutive.h"
+#include "link/ParallelDownloader.h"
 #include "link/frmDownloader.h"
+#include "monitor/MonitorPortExecutive.h"
 #include "platform/Global.h"
 #include "project/ProjectType.h"
 #include "support/FrameFixture.h"
@@ -100,11 +104,9 @@ TEST_F(DownloaderTest, KeyOnSplashUnloadsItEarlyAndStartUpEnds) {
 TEST_F(DownloaderTest, CommandLineStartShowsNoSplash) {
     WriteFile(QStringLiteral("blink.kvp"));
     CommandLineInterpreter::SetCommandLine(QStringLiteral("blink"));
-    bool SplashSeen = false;
-    Clock->OnSleep = [&](int64_t) { SplashSeen = SplashSeen || Global<frmSplash>::IsLoaded(); };
     Load();
-    EXPECT_FALSE(SplashSeen);
     EXPECT_FALSE(Global<frmSplash>::IsLoaded());
+    EXPECT_EQ(Clock->SleepCalls, 0) << "no splash second with a command line";
     EXPECT_EQ(Clock->NowMs, 0);
 }
 
@@ -155,6 +157,80 @@ TEST_F(DownloaderTest, WindowBeyondTheScreenComesBackToTheEdge) {
     const FormGeometry Geometry = Load().CurrentGeometry();
     EXPECT_EQ(Geometry.Top, 0);
     EXPECT_EQ(Geometry.Left, 0);
+}
+
+TEST_F(DownloaderTest, TopAndLeftExactlyAtTheScreenLimitStay) {
+    const int32_t TopLimit = TwipsConversion::ScreenHeightTwips() - 567;
+    const int32_t LeftLimit = TwipsConversion::ScreenWidthTwips() - 567;
+    SetSetting(QStringLiteral("Main_Top"), QString::number(TopLimit));
+    SetSetting(QStringLiteral("Main_Left"), QString::number(LeftLimit));
+    SetSetting(QStringLiteral("Main_Width"), QStringLiteral("6000"));
+    SetSetting(QStringLiteral("Main_Height"), QStringLiteral("5000"));
+    const FormGeometry AtLimit = Load().CurrentGeometry();
+    EXPECT_EQ(AtLimit.Top, TopLimit);
+    EXPECT_EQ(AtLimit.Left, LeftLimit);
+}
+
+TEST_F(DownloaderTest, TopOneTwipBeyondTheScreenLimitComesBackToZero) {
+    SetSetting(QStringLiteral("Main_Top"),
+               QString::number(TwipsConversion::ScreenHeightTwips() - 566));
+    SetSetting(QStringLiteral("Main_Left"), QStringLiteral("300"));
+    SetSetting(QStringLiteral("Main_Width"), QStringLiteral("6000"));
+    SetSetting(QStringLiteral("Main_Height"), QStringLiteral("5000"));
+    const FormGeometry Geometry = Load().CurrentGeometry();
+    EXPECT_EQ(Geometry.Top, 0);
+    EXPECT_EQ(Geometry.Left, 300);
+}
+
+TEST_F(DownloaderTest, StartUpSetsTheParallelRegistersAndReadsBothPortSetUps) {
+    ParallelDownloader::SetPortBase(0x278);
+    SetSetting(QStringLiteral("Port_Number"), QStringLiteral("2"));
+    SetSetting(QStringLiteral("Port_Mode"), QStringLiteral("Parallel"));
+    SetSetting(QStringLiteral("Port_Address"), QStringLiteral("&H3BC"));
+    SetSetting(QStringLiteral("Port_Reserve"), QStringLiteral("True"));
+    SetSetting(QStringLiteral("KV20port_Number"), QStringLiteral("  3,  57600,E,7,20"));
+    Load();
+    EXPECT_EQ(ParallelDownloader::GetDataPort(), 888);
+    EXPECT_EQ(ParallelDownloader::GetStatusPort(), 889);
+    EXPECT_EQ(ParallelDownloader::GetControlPort(), 890);
+    for (int Bit = 0; Bit < 8; ++Bit) {
+        EXPECT_EQ(ParallelDownloader::GetBitMask()[Bit], 1 << Bit);
+    }
+    DownloadPortInfoType Download;
+    DownloadPortExecutive::GetDownloadPortInfo(Download);
+    EXPECT_TRUE(Download.IsDefined());
+    EXPECT_TRUE(Download.IsParallel());
+    EXPECT_EQ(Download.PortNumber(), 2);
+    EXPECT_EQ(Download.Address(), 0x3BC);
+    EXPECT_TRUE(Download.Reserve());
+    EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
+    const MonitorPortInfoType& Monitor = MonitorPortExecutive::GetMonitorPortInfo();
+    EXPECT_TRUE(Monitor.IsDefined);
+    EXPECT_EQ(Monitor.PortNumber(), 3);
+    EXPECT_EQ(Monitor.BaudRate, 57600);
+    EXPECT_EQ(Monitor.Parity, 1);
+    EXPECT_EQ(Monitor.DataBits(), 7);
+    EXPECT_EQ(Monitor.StopBits(), 2);
+    EXPECT_FALSE(MonitorPortExecutive::GetMonitorPortIsOpen());
+}
+
+TEST_F(DownloaderTest, StartUpWithNoDownloadPortStoredLeavesItUndefinedWithAddressZero) {
+    Load();
+    DownloadPortInfoType Download;
+    DownloadPortExecutive::GetDownloadPortInfo(Download);
+    EXPECT_FALSE(Download.IsDefined());
+    EXPECT_EQ(Download.PortNumber(), 0);
+    EXPECT_EQ(Download.Address(), 0);
+    EXPECT_FALSE(MonitorPortExecutive::GetMonitorPortInfo().IsDefined);
+}
+
+TEST_F(DownloaderTest, ErrorReportNamesNoProjectWhenNoneIsDefined) {
+    ProjectModel::RegisterWithFrame();
+    Global<ProjectType>::Unload();
+    const QStringList Lines = DumpManager::BuildErrorReport().split(QStringLiteral("\r\n"));
+    ASSERT_GT(Lines.size(), 5);
+    EXPECT_EQ(Lines[4], QStringLiteral("    Project name:  <none>"));
+    DumpManager::SetProjectNameSource({});
 }
 
 TEST_F(DownloaderTest, GeometryAndChipTypeSurviveARestart) {
@@ -273,10 +349,11 @@ TEST_F(DownloaderTest, EditorButtonReleasesTheProjectAndEmptiesTheImageName) {
     frmDownloader& Window = Load();
     GlobalData::DownloadFilename = QStringLiteral("/x/blink.kvb");
     Window.StatusBarPanels[4]->setText(GlobalData::DownloadFilename);
+    Global<ProjectType>::Unload();
     Window.ToolBar_ButtonClick(QStringLiteral("Editor"));
     EXPECT_TRUE(GlobalData::DownloadFilename.isEmpty());
     EXPECT_TRUE(Window.StatusBarPanels[4]->text().isEmpty());
-    EXPECT_FALSE(Project().IsDefined());
+    EXPECT_TRUE(Global<ProjectType>::IsLoaded()) << "a new project is made";
 }
 
 TEST_F(DownloaderTest, NoProjectReadsUndefinedAndCreatesAnEmptyOneWithoutMessage) {
