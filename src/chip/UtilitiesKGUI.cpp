@@ -1,0 +1,55 @@
+#include "chip/UtilitiesKGUI.h"
+
+#include "frame/ErrorDisplay.h"
+
+namespace UtilitiesKGUI {
+
+int32_t ToRightOffset(int32_t PinState) {
+    switch (PinState) {
+        case kvOutputLow:
+            return 2;
+        case kvOutputHigh:
+            return 3;
+        case kvInputTristate:
+            return 0;
+        case kvInputPullup:
+            return 1;
+        default:
+            ErrorDisplay::ProbeError(QStringLiteral("Error_1 in UtilitiesKGUI.ToRightOffset"));
+            return 0;
+    }
+}
+
+PinStateTypes ToPinState(int32_t Offset) {
+    switch (Offset) {
+        case 0:
+            return kvInputTristate;
+        case 1:
+            return kvInputPullup;
+        case 2:
+            return kvOutputLow;
+        case 3:
+            return kvOutputHigh;
+        default:
+            ErrorDisplay::ProbeError(QStringLiteral("Error_1 in UtilitiesKGUI.ToPinState"));
+            return kvInputTristate;
+    }
+}
+
+QString CStrPinState(int32_t PinState) {
+    switch (PinState) {
+        case kvOutputLow:
+            return QStringLiteral("kvOutputLow");
+        case kvOutputHigh:
+            return QStringLiteral("kvOutputHigh");
+        case kvInputTristate:
+            return QStringLiteral("kvInputTristate");
+        case kvInputPullup:
+            return QStringLiteral("kvInputPullup");
+        default:
+            ErrorDisplay::ProbeError(QStringLiteral("Error_1 in UtilitiesKGUI.CStrPinState"));
+            return QStringLiteral("Illegal_Type");
+    }
+}
+
+}  // namespace UtilitiesKGUI

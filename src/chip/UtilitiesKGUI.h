@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+
+#include "chip/PinStateTypes.h"
+
+// Conversions of the pin state to and from the flag order of the
+// preference file (IN, P, 0, 1).
+namespace UtilitiesKGUI {
+
+// kvInputTristate 0, kvInputPullup 1, kvOutputLow 2, kvOutputHigh 3; any other value 0.
+int32_t ToRightOffset(int32_t PinState);
+// The inverse; any other offset gives kvInputTristate.
+PinStateTypes ToPinState(int32_t Offset);
+// "kvOutputLow" and so on; "Illegal_Type" for any other value.
+QString CStrPinState(int32_t PinState);
+
+}  // namespace UtilitiesKGUI
