@@ -2,7 +2,8 @@
 # Installs what the build and the tests need, from Debian's packages.
 set -euo pipefail
 
-PACKAGES=(cmake ninja-build g++ qt6-base-dev qt6-serialport-dev libgtest-dev libgmock-dev libbenchmark-dev)
+PACKAGES=(cmake ninja-build g++ clang libclang-rt-dev qt6-base-dev qt6-serialport-dev libgtest-dev
+  libgmock-dev libbenchmark-dev)
 
 missing=()
 for package in "${PACKAGES[@]}"; do
