@@ -166,7 +166,8 @@ void PRFfileType::ReadAll() {
     }
 }
 
-void PRFfileType::WriteFile() {
+void PRFfileType::SaveOver(const QString& ReadOnlyTitle, const QString& UnableText,
+                           const QString& UnableTitle) {
     QString ProjectPath;
     QString ProjectName;
     const QString Filename = ProjectPrfFilename(ProjectPath, ProjectName);
@@ -175,51 +176,33 @@ void PRFfileType::WriteFile() {
     switch (Status) {
         case fstOK:
         case fstNonexistant:
+            // A failed save leaves the file that stood there; say so.
             if (!WriteAll()) {
-                ErrorDisplay::ShowErrorMessage(
-                    QStringLiteral("Unable to write PRF file ") + Filename,
-                    QStringLiteral("Error Writing to PRF File"));
+                ErrorDisplay::ShowErrorMessage(UnableText + Filename, UnableTitle);
             }
             break;
         case fstReadOnly:
             ErrorDisplay::ShowErrorMessage(
                 QStringLiteral("Existing PRF file ") + Filename + QStringLiteral(" is read-only"),
-                QStringLiteral("Error writing to PRF File"));
+                ReadOnlyTitle);
             break;
         default:
-            ErrorDisplay::ShowErrorMessage(QStringLiteral("Unable to write PRF file ") + Filename,
-                                           QStringLiteral("Error Writing to PRF File"));
+            ErrorDisplay::ShowErrorMessage(UnableText + Filename, UnableTitle);
             FileExecutive().CloseFile();
             break;
     }
 }
 
+void PRFfileType::WriteFile() {
+    SaveOver(QStringLiteral("Error writing to PRF File"),
+             QStringLiteral("Unable to write PRF file "),
+             QStringLiteral("Error Writing to PRF File"));
+}
+
 void PRFfileType::WriteNewFile() {
-    QString ProjectPath;
-    QString ProjectName;
-    const QString Filename = ProjectPrfFilename(ProjectPath, ProjectName);
-    FileStatusTypes Status = fstUndefined;
-    FileExecutive().Initialize(ProjectPath, ProjectName, Status);
-    const QString Title = QStringLiteral("Error Creating PRF File");
-    switch (Status) {
-        case fstOK:
-        case fstNonexistant:
-            if (!WriteAll()) {
-                ErrorDisplay::ShowErrorMessage(
-                    QStringLiteral("Unable to create new PRF file ") + Filename, Title);
-            }
-            break;
-        case fstReadOnly:
-            ErrorDisplay::ShowErrorMessage(
-                QStringLiteral("Existing PRF file ") + Filename + QStringLiteral(" is read-only"),
-                Title);
-            break;
-        default:
-            ErrorDisplay::ShowErrorMessage(
-                QStringLiteral("Unable to create new PRF file ") + Filename, Title);
-            FileExecutive().CloseFile();
-            break;
-    }
+    SaveOver(QStringLiteral("Error Creating PRF File"),
+             QStringLiteral("Unable to create new PRF file "),
+             QStringLiteral("Error Creating PRF File"));
 }
 
 void PRFfileType::ReadExistingFile() {

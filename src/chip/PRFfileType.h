@@ -56,6 +56,9 @@ class PRFfileType {
     void ReadAll();
     bool WriteAll();
     QString ProjectPrfFilename(QString& Path, QString& Name) const;
+    // WriteFile and WriteNewFile, which differ only in their messages.
+    void SaveOver(const QString& ReadOnlyTitle, const QString& UnableText,
+                  const QString& UnableTitle);
 
     QString Extension_ = QStringLiteral("prf");
     int32_t Processor_ = 2;
