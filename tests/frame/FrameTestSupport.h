@@ -8,11 +8,7 @@
 
 #include "frame/ErrorDisplay.h"
 #include "frame/UtilitiesFilename.h"
-
-// Readable QString values in the failure messages of gtest.
-inline void PrintTo(const QString& Text, std::ostream* Stream) {
-    *Stream << '"' << Text.toStdString() << '"';
-}
+#include "support/QtPrinters.h"
 
 // The raw bytes of the log file Kavlin.err in the current work path; empty
 // when the file does not exist.
