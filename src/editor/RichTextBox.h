@@ -52,9 +52,15 @@ class RichTextBox {
     virtual int32_t Height() const = 0;
     virtual void Resize(int32_t Width, int32_t Height) = 0;
 
-    // The control's events.
+    // The control's events. An edit that moves the caret raises SelChange
+    // before Change, so that a line the caret leaves is coloured before the
+    // line it comes to turns neutral.
     std::function<void()> Change;
     std::function<void()> SelChange;
+    // Raised after Change when an edit the control made by itself (typing a
+    // line break, undo, redo, a drop) inserted lines: First to Last is the
+    // span of the inserted text, which still has to be coloured.
+    std::function<void(int32_t First, int32_t Last)> LinesInserted;
 
   protected:
     void RaiseChange() {

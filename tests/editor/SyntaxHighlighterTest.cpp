@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QPlainTextEdit>
+
 #include "HighlighterControls.h"
+#include "editor/PlainTextEditRichTextBox.h"
 #include "editor/SyntaxHighlighterType.h"
 #include "support/MemoryRichTextBox.h"
 #include "support/QtPrinters.h"
@@ -12,10 +16,11 @@ constexpr uint32_t String = 0x808080;
 constexpr uint32_t Comment = 0x008000;
 
 HighlighterControl MemoryControl() {
-    auto Box = std::make_unique<MemoryRichTextBox>();
+    auto Box = std::make_shared<MemoryRichTextBox>();
     MemoryRichTextBox* Raw = Box.get();
     HighlighterControl Control;
-    Control.Box = std::move(Box);
+    Control.Box = Raw;
+    Control.Owner = Box;
     Control.ColorAt = [Raw](int32_t Position) { return Raw->ColorAt(Position); };
     return Control;
 }
@@ -43,7 +48,7 @@ class HighlighterRules : public ::testing::TestWithParam<HighlighterControlFacto
   protected:
     void SetUp() override {
         Control = GetParam()();
-        Highlighter.Connect(Control.Box.get());
+        Highlighter.Connect(Control.Box);
         Highlighter.SetEditorColors(1, 8, 2, 15);
     }
     QString Colour(const QString& Text) {
@@ -171,7 +176,21 @@ TEST_P(HighlighterRules, ClearNeutralLineForgetsWithoutPainting) {
     EXPECT_EQ(Highlighter.NeutralPosition(), 0);
 }
 
+HighlighterControl WindowControl() {
+    auto Editor = std::make_shared<QPlainTextEdit>();
+    auto* Adapter = new PlainTextEditRichTextBox(Editor.get());
+    Editor->resize(400, 300);
+    Editor->show();
+    HighlighterControl Control;
+    Control.Box = Adapter;
+    Control.Owner = Editor;
+    Control.ColorAt = [Adapter](int32_t Position) { return Adapter->ColorAt(Position); };
+    Control.Settle = [] { QCoreApplication::processEvents(); };
+    return Control;
+}
+
 INSTANTIATE_TEST_SUITE_P(MemoryControl, HighlighterRules, ::testing::Values(&MemoryControl));
+INSTANTIATE_TEST_SUITE_P(PlainTextEditControl, HighlighterRules, ::testing::Values(&WindowControl));
 
 // ---- What only the recording control can tell --------------------------------
 

@@ -22,10 +22,12 @@ void MemoryRichTextBox::Replace(int32_t Start, int32_t Length, const QString& Te
     Colors_.insert(Colors_.begin() + Start, Text.size(), Color);
     SelStart_ = Start + static_cast<int32_t>(Text.size());
     SelLength_ = 0;
-    ++ChangeEvents;
-    RaiseChange();
+    // The caret's move is told before the change, so that a line the caret
+    // leaves is coloured before the new one turns neutral.
     ++SelChangeEvents;
     RaiseSelChange();
+    ++ChangeEvents;
+    RaiseChange();
 }
 
 void MemoryRichTextBox::SetText(const QString& Text) {

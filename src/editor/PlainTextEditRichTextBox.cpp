@@ -1,0 +1,471 @@
+#include "editor/PlainTextEditRichTextBox.h"
+
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTimer>
+#include <algorithm>
+
+namespace {
+constexpr QChar ParagraphSeparator(0x2029);
+
+QString ToDocumentText(QString Text) {
+    Text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return Text;
+}
+
+QString FromSelectedText(QString Text) {
+    Text.replace(ParagraphSeparator, QStringLiteral("\r\n"));
+    return Text;
+}
+
+uint32_t RgbOf(const QTextCharFormat& Format) {
+    return static_cast<uint32_t>(Format.foreground().color().rgb()) & 0xFFFFFFu;
+}
+}  // namespace
+
+PlainTextEditRichTextBox::PlainTextEditRichTextBox(QPlainTextEdit* Editor)
+    : QObject(Editor), Editor_(Editor) {
+    Editor_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    Editor_->setUndoRedoEnabled(true);
+    connect(Editor_->document(), &QTextDocument::contentsChange, this,
+            &PlainTextEditRichTextBox::OnContentsChange);
+    connect(Editor_, &QPlainTextEdit::cursorPositionChanged, this,
+            &PlainTextEditRichTextBox::OnSelectionMoved);
+    connect(Editor_, &QPlainTextEdit::selectionChanged, this,
+            &PlainTextEditRichTextBox::OnSelectionMoved);
+}
+
+// ---- Positions -------------------------------------------------------------
+
+PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crlf) const {
+    const QTextDocument* Doc = Editor_->document();
+    int Low = 0;
+    int High = Doc->blockCount() - 1;
+    // The last block whose CR LF start is at or before the position.
+    while (Low < High) {
+        const int Middle = (Low + High + 1) / 2;
+        const QTextBlock Block = Doc->findBlockByNumber(Middle);
+        if (Block.position() + Middle <= Crlf) {
+            Low = Middle;
+        } else {
+            High = Middle - 1;
+        }
+    }
+    Location Found;
+    Found.Block = Doc->findBlockByNumber(Low);
+    Found.CrlfStart = Found.Block.position() + Low;
+    return Found;
+}
+
+int PlainTextEditRichTextBox::QtPosition(int32_t Crlf) const {
+    if (Crlf <= 0) {
+        return 0;
+    }
+    const Location At = BlockAt(Crlf);
+    const int TextLength = At.Block.length() - 1;
+    const int Offset = Crlf - At.CrlfStart;
+    if (Offset <= TextLength) {
+        return At.Block.position() + Offset;
+    }
+    // The LF of a break, or beyond the text: the start of the next line.
+    const int End = Editor_->document()->characterCount() - 1;
+    return std::min(At.Block.position() + TextLength + 1, End);
+}
+
+int32_t PlainTextEditRichTextBox::CrlfPosition(int Qt) const {
+    const QTextBlock Block = Editor_->document()->findBlock(Qt);
+    return Qt + std::max(0, Block.blockNumber());
+}
+
+int32_t PlainTextEditRichTextBox::TextLength() const {
+    const QTextDocument* Doc = Editor_->document();
+    return Doc->characterCount() - 1 + (Doc->blockCount() - 1);
+}
+
+QString PlainTextEditRichTextBox::Text() const { return TextMid(0, TextLength()); }
+
+QString PlainTextEditRichTextBox::TextMid(int32_t Start, int32_t Count) const {
+    QString Result;
+    if (Start < 0 || Count <= 0) {
+        return Result;
+    }
+    Result.reserve(Count);
+    Location At = BlockAt(Start);
+    int Skip = Start - At.CrlfStart;
+    for (QTextBlock Block = At.Block; Block.isValid() && Result.size() < Count;
+         Block = Block.next()) {
+        QString Line = Block.text();
+        if (Block.next().isValid()) {
+            Line += QStringLiteral("\r\n");
+        }
+        if (Skip > 0) {
+            Line.remove(0, std::min<qsizetype>(Skip, Line.size()));
+            Skip = 0;
+        }
+        Result += Line.left(Count - Result.size());
+    }
+    return Result;
+}
+
+int32_t PlainTextEditRichTextBox::GetLineFromChar(int32_t Position) const {
+    return BlockAt(std::max(0, Position)).Block.blockNumber();
+}
+
+// ---- Text and selection ----------------------------------------------------
+
+void PlainTextEditRichTextBox::SetText(const QString& Text) {
+    OwnWrite_ = true;
+    Editor_->setPlainText(ToDocumentText(Text));
+    OwnWrite_ = false;
+    QTextCursor Cursor = Editor_->textCursor();
+    Cursor.setPosition(0);
+    Editor_->setTextCursor(Cursor);
+    RaisePending();
+}
+
+int32_t PlainTextEditRichTextBox::SelStart() const {
+    return CrlfPosition(Editor_->textCursor().selectionStart());
+}
+
+int32_t PlainTextEditRichTextBox::SelLength() const {
+    const QTextCursor Cursor = Editor_->textCursor();
+    return CrlfPosition(Cursor.selectionEnd()) - CrlfPosition(Cursor.selectionStart());
+}
+
+void PlainTextEditRichTextBox::SetSelStart(int32_t Start) {
+    QTextCursor Cursor = Editor_->textCursor();
+    Cursor.setPosition(QtPosition(std::max(0, Start)));
+    Editor_->setTextCursor(Cursor);
+    RaisePending();
+}
+
+void PlainTextEditRichTextBox::SetSelLength(int32_t Length) {
+    QTextCursor Cursor = Editor_->textCursor();
+    const int32_t Start = CrlfPosition(Cursor.selectionStart());
+    Cursor.setPosition(Cursor.selectionStart());
+    Cursor.setPosition(QtPosition(Start + std::max(0, Length)), QTextCursor::KeepAnchor);
+    Editor_->setTextCursor(Cursor);
+    RaisePending();
+}
+
+QString PlainTextEditRichTextBox::SelText() const {
+    return FromSelectedText(Editor_->textCursor().selectedText());
+}
+
+void PlainTextEditRichTextBox::SetSelText(const QString& Text) {
+    QTextCursor Cursor = Editor_->textCursor();
+    OwnWrite_ = true;
+    Cursor.insertText(ToDocumentText(Text));
+    OwnWrite_ = false;
+    Editor_->setTextCursor(Cursor);
+    RaisePending();
+}
+
+// ---- Colour ----------------------------------------------------------------
+
+const QTextCharFormat& PlainTextEditRichTextBox::FormatOf(uint32_t Rgb) {
+    auto Found = Formats_.find(Rgb);
+    if (Found == Formats_.end()) {
+        QTextCharFormat Format;
+        Format.setForeground(QColor::fromRgb(Rgb));
+        Found = Formats_.insert(Rgb, Format);
+    }
+    return Found.value();
+}
+
+void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb) {
+    QTextLayout* Layout = Block.layout();
+    const QList<QTextLayout::FormatRange> Old = Layout->formats();
+    QList<QTextLayout::FormatRange> New;
+    New.reserve(Old.size() + 2);
+    auto Append = [&New](int Start, int Length, const QTextCharFormat& Format) {
+        if (Length <= 0) {
+            return;
+        }
+        if (!New.isEmpty() && New.back().start + New.back().length == Start &&
+            New.back().format == Format) {
+            New.back().length += Length;
+            return;
+        }
+        New.append(QTextLayout::FormatRange{Start, Length, Format});
+    };
+    bool Placed = false;
+    for (const QTextLayout::FormatRange& Range : Old) {
+        const int RangeEnd = Range.start + Range.length;
+        if (RangeEnd <= From) {
+            Append(Range.start, Range.length, Range.format);
+            continue;
+        }
+        if (!Placed && Range.start >= From) {
+            Append(From, To - From, FormatOf(Rgb));
+            Placed = true;
+        }
+        if (Range.start < From) {
+            Append(Range.start, From - Range.start, Range.format);
+            Append(From, To - From, FormatOf(Rgb));
+            Placed = true;
+        }
+        if (RangeEnd > To) {
+            const int Start = std::max(Range.start, To);
+            Append(Start, RangeEnd - Start, Range.format);
+        }
+    }
+    if (!Placed) {
+        Append(From, To - From, FormatOf(Rgb));
+    }
+    Layout->setFormats(New);
+    MarkDirty(Block.position(), Block.position() + Block.length());
+}
+
+void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
+    const QTextCursor Cursor = Editor_->textCursor();
+    if (!Cursor.hasSelection()) {
+        // What is typed next: text that carries no range shows the text colour.
+        TypingColor_ = Rgb;
+        QPalette Palette = Editor_->palette();
+        Palette.setColor(QPalette::Text, QColor::fromRgb(Rgb));
+        Editor_->setPalette(Palette);
+        return;
+    }
+    const int Start = Cursor.selectionStart();
+    const int End = Cursor.selectionEnd();
+    const QTextDocument* Doc = Editor_->document();
+    for (QTextBlock Block = Doc->findBlock(Start); Block.isValid() && Block.position() < End;
+         Block = Block.next()) {
+        const int From = std::max(0, Start - Block.position());
+        const int To = std::min(Block.length() - 1, End - Block.position());
+        if (To > From) {
+            ApplyColor(Block, From, To, Rgb);
+        }
+    }
+    if (!Hidden_) {
+        FlushDirty();
+    }
+}
+
+uint32_t PlainTextEditRichTextBox::ColorAt(int32_t Position) const {
+    const int Qt = QtPosition(Position);
+    const QTextBlock Block = Editor_->document()->findBlock(Qt);
+    const int Offset = Qt - Block.position();
+    for (const QTextLayout::FormatRange& Range : Block.layout()->formats()) {
+        if (Offset >= Range.start && Offset < Range.start + Range.length) {
+            return RgbOf(Range.format);
+        }
+    }
+    return static_cast<uint32_t>(Editor_->palette().color(QPalette::Text).rgb()) & 0xFFFFFFu;
+}
+
+void PlainTextEditRichTextBox::MarkDirty(int From, int To) {
+    DirtyFrom_ = DirtyFrom_ < 0 ? From : std::min(DirtyFrom_, From);
+    DirtyTo_ = std::max(DirtyTo_, To);
+}
+
+void PlainTextEditRichTextBox::FlushDirty() {
+    if (DirtyFrom_ < 0) {
+        return;
+    }
+    QTextDocument* Doc = Editor_->document();
+    const int End = std::min(DirtyTo_, Doc->characterCount());
+    Doc->markContentsDirty(DirtyFrom_, std::max(0, End - DirtyFrom_));
+    DirtyFrom_ = -1;
+    DirtyTo_ = -1;
+}
+
+void PlainTextEditRichTextBox::SetBackColor(uint32_t Rgb) {
+    QPalette Palette = Editor_->palette();
+    Palette.setColor(QPalette::Base, QColor::fromRgb(Rgb));
+    Editor_->setPalette(Palette);
+}
+
+void PlainTextEditRichTextBox::SetVisible(bool Visible) {
+    // Hiding would take the focus away; holding back the repaint is what
+    // keeps a recolouring from flickering.
+    Hidden_ = !Visible;
+    if (Visible) {
+        FlushDirty();
+    }
+    Editor_->viewport()->setUpdatesEnabled(Visible);
+}
+
+void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
+    if (Pointer == Pointer_) {
+        return;
+    }
+    Pointer_ = Pointer;
+    if (Pointer == 11) {
+        Editor_->viewport()->setCursor(Qt::WaitCursor);
+    } else {
+        Editor_->viewport()->setCursor(Qt::IBeamCursor);
+    }
+}
+
+// ---- Edits the editor made by itself ---------------------------------------
+
+void PlainTextEditRichTextBox::OnContentsChange(int Position, int Removed, int Added) {
+    ChangePending_ = true;
+    if (!OwnWrite_ && !RaiseScheduled_) {
+        // An edit of the editor's own hand (a key, undo, a drop): its events
+        // are raised once it has ended, the caret's move first.
+        RaiseScheduled_ = true;
+        QTimer::singleShot(0, this, [this] {
+            RaiseScheduled_ = false;
+            RaisePending();
+        });
+    }
+    const QTextDocument* Doc = Editor_->document();
+    const QTextBlock First = Doc->findBlock(Position);
+    const QTextBlock Last = Doc->findBlock(Position + Added);
+    if (First == Last && Added + Removed > 0) {
+        // Within one line: the ranges after the edit move with the text and
+        // what was inserted takes the typing colour.
+        QTextLayout* Layout = First.layout();
+        const int Offset = Position - First.position();
+        QList<QTextLayout::FormatRange> Moved;
+        for (QTextLayout::FormatRange Range : Layout->formats()) {
+            const int RangeEnd = Range.start + Range.length;
+            if (RangeEnd <= Offset) {
+                Moved.append(Range);
+                continue;
+            }
+            if (Range.start < Offset) {
+                QTextLayout::FormatRange Head = Range;
+                Head.length = Offset - Range.start;
+                Moved.append(Head);
+            }
+            const int TailStart = std::max(Range.start, Offset + Removed);
+            if (RangeEnd > TailStart) {
+                QTextLayout::FormatRange Tail = Range;
+                Tail.start = TailStart - Removed + Added;
+                Tail.length = RangeEnd - TailStart;
+                Moved.append(Tail);
+            }
+        }
+        if (Added > 0) {
+            QTextLayout::FormatRange Inserted{Offset, Added, FormatOf(TypingColor_)};
+            auto At = std::find_if(Moved.begin(), Moved.end(),
+                                   [Offset](const auto& Range) { return Range.start >= Offset; });
+            Moved.insert(At, Inserted);
+        }
+        Layout->setFormats(Moved);
+    } else if (!OwnWrite_ && Added > 0) {
+        // Lines came in by the editor's own hand: they still need colours.
+        InsertedFrom_ = InsertedFrom_ < 0 ? Position : std::min(InsertedFrom_, Position);
+        InsertedTo_ = std::max(InsertedTo_, Position + Added);
+    }
+}
+
+void PlainTextEditRichTextBox::OnSelectionMoved() {
+    const QTextCursor Cursor = Editor_->textCursor();
+    if (Cursor.anchor() == LastAnchor_ && Cursor.position() == LastPosition_ && !ChangePending_) {
+        return;
+    }
+    LastAnchor_ = Cursor.anchor();
+    LastPosition_ = Cursor.position();
+    SelChangePending_ = true;
+    // Inside an edit, the events wait for its end.
+    if (!ChangePending_ && !OwnWrite_) {
+        RaisePending();
+    }
+}
+
+void PlainTextEditRichTextBox::RaisePending() {
+    if (SelChangePending_) {
+        SelChangePending_ = false;
+        RaiseSelChange();
+    }
+    if (ChangePending_) {
+        ChangePending_ = false;
+        RaiseChange();
+    }
+    if (InsertedFrom_ >= 0) {
+        const int From = InsertedFrom_;
+        const int To = InsertedTo_;
+        InsertedFrom_ = -1;
+        InsertedTo_ = -1;
+        if (LinesInserted) {
+            LinesInserted(CrlfPosition(From), CrlfPosition(std::max(From, To - 1)));
+        }
+    }
+}
+
+void PlainTextEditRichTextBox::EditEnded() { RaisePending(); }
+
+// ---- Find, fonts, tabs, size -----------------------------------------------
+
+int32_t PlainTextEditRichTextBox::Find(const QString& String, int32_t Start, int32_t End,
+                                       int32_t Options) {
+    if (End <= Start || Start < 0 || String.isEmpty()) {
+        return -1;
+    }
+    int32_t Found = -1;
+    if (String == QStringLiteral("\r")) {
+        // The end of a line, from the blocks.
+        const Location At = BlockAt(Start);
+        for (QTextBlock Block = At.Block; Block.isValid() && Block.next().isValid();
+             Block = Block.next()) {
+            const int32_t Cr = Block.position() + Block.blockNumber() + Block.length() - 1;
+            if (Cr >= Start) {
+                Found = Cr;
+                break;
+            }
+        }
+        if (Found > End) {
+            Found = -1;
+        }
+    } else {
+        const QString Range = TextMid(Start, End - Start + 1);
+        const Qt::CaseSensitivity Case =
+            (Options & rtfMatchCase) != 0 ? Qt::CaseSensitive : Qt::CaseInsensitive;
+        qsizetype At = Range.indexOf(String, 0, Case);
+        while (At >= 0) {
+            const bool WordStart = At == 0 || !Range[At - 1].isLetterOrNumber();
+            const qsizetype After = At + String.size();
+            const bool WordEnd = After >= Range.size() || !Range[After].isLetterOrNumber();
+            if ((Options & rtfWholeWord) == 0 || (WordStart && WordEnd)) {
+                Found = Start + static_cast<int32_t>(At);
+                break;
+            }
+            At = Range.indexOf(String, At + 1, Case);
+        }
+    }
+    if (Found >= 0 && (Options & rtfNoHighlight) == 0) {
+        SetSelStart(Found);
+        SetSelLength(static_cast<int32_t>(String.size()));
+    }
+    return Found;
+}
+
+void PlainTextEditRichTextBox::SetSelFontName(const QString& Name) {
+    QFont Font = Editor_->font();
+    Font.setFamily(Name);
+    Font.setStyleHint(QFont::TypeWriter);
+    Editor_->setFont(Font);
+}
+
+void PlainTextEditRichTextBox::SetSelFontSize(int32_t Size) {
+    QFont Font = Editor_->font();
+    Font.setPointSize(Size);
+    Editor_->setFont(Font);
+}
+
+void PlainTextEditRichTextBox::SetSelTabCount(int32_t Count) {
+    Tabs_.assign(std::max(0, Count), 0);
+}
+
+void PlainTextEditRichTextBox::SetSelTabs(int32_t Index, int32_t Position) {
+    if (Index < 0 || Index >= static_cast<int32_t>(Tabs_.size())) {
+        return;
+    }
+    Tabs_[Index] = Position;
+    // The stops are evenly spaced; the width of one is taken in characters.
+    if (Index == 1 && Position > 0) {
+        const qreal Space = Editor_->fontMetrics().horizontalAdvance(QLatin1Char(' '));
+        Editor_->setTabStopDistance(Space * Position);
+    }
+}
+
+int32_t PlainTextEditRichTextBox::Width() const { return Editor_->width(); }
+int32_t PlainTextEditRichTextBox::Height() const { return Editor_->height(); }
+void PlainTextEditRichTextBox::Resize(int32_t NewWidth, int32_t NewHeight) {
+    Editor_->resize(NewWidth, NewHeight);
+}

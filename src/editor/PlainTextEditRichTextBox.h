@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextCharFormat>
+#include <QTextLayout>
+#include <vector>
+
+#include "editor/RichTextBox.h"
+
+// The rich-text control over a QPlainTextEdit. Lines are not wrapped, so a
+// display line is a source line; positions are mapped to CR LF counting
+// through the document's blocks (a block's CR LF start is its position plus
+// its number), never by a scan of the text. Colour is presentation, not an
+// edit: it is kept as format ranges on each block's layout, the way Qt's own
+// syntax highlighting does, so it never lands on the undo stack and memory
+// stays flat however often a line is recoloured.
+class PlainTextEditRichTextBox : public QObject, public RichTextBox {
+    Q_OBJECT
+  public:
+    // Works on Editor, which it does not own.
+    explicit PlainTextEditRichTextBox(QPlainTextEdit* Editor);
+
+    QString Text() const override;
+    void SetText(const QString& Text) override;
+    int32_t TextLength() const override;
+    QString TextMid(int32_t Start, int32_t Count) const override;
+    int32_t SelStart() const override;
+    void SetSelStart(int32_t Start) override;
+    int32_t SelLength() const override;
+    void SetSelLength(int32_t Length) override;
+    void SetSelColor(uint32_t Rgb) override;
+    QString SelText() const override;
+    void SetSelText(const QString& Text) override;
+    void SetBackColor(uint32_t Rgb) override;
+    int32_t GetLineFromChar(int32_t Position) const override;
+    int32_t Find(const QString& String, int32_t Start, int32_t End, int32_t Options) override;
+    void SetVisible(bool Visible) override;
+    void SetMousePointer(int32_t Pointer) override;
+    void SetSelFontName(const QString& Name) override;
+    void SetSelFontSize(int32_t Size) override;
+    void SetSelTabCount(int32_t Count) override;
+    int32_t SelTabCount() const override { return static_cast<int32_t>(Tabs_.size()); }
+    void SetSelTabs(int32_t Index, int32_t Position) override;
+    int32_t Width() const override;
+    int32_t Height() const override;
+    void Resize(int32_t Width, int32_t Height) override;
+
+    // The colour shown for the character at a CR LF position.
+    uint32_t ColorAt(int32_t Position) const;
+    // Tells the control's events that an edit of the editor's own (a key, a
+    // drop, undo) has ended; the owner of the widget calls it after each
+    // event the widget handled.
+    void EditEnded();
+    QPlainTextEdit* Editor() const { return Editor_; }
+
+  private:
+    struct Location {
+        QTextBlock Block;
+        int32_t CrlfStart = 0;
+    };
+    Location BlockAt(int32_t CrlfPosition) const;
+    int QtPosition(int32_t CrlfPosition) const;
+    int32_t CrlfPosition(int QtPosition) const;
+    void ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb);
+    const QTextCharFormat& FormatOf(uint32_t Rgb);
+    void MarkDirty(int From, int To);
+    void FlushDirty();
+    void OnContentsChange(int Position, int Removed, int Added);
+    void OnSelectionMoved();
+    void RaisePending();
+
+    QPlainTextEdit* Editor_;
+    QHash<uint32_t, QTextCharFormat> Formats_;
+    uint32_t TypingColor_ = 0;
+    bool Hidden_ = false;
+    int DirtyFrom_ = -1;
+    int DirtyTo_ = -1;
+    int32_t Pointer_ = 0;
+    std::vector<int32_t> Tabs_;
+    // The selection as last told, to raise SelChange once per real move.
+    int LastAnchor_ = 0;
+    int LastPosition_ = 0;
+    // Raising the control's events is held back until an edit has ended.
+    bool ChangePending_ = false;
+    bool SelChangePending_ = false;
+    bool OwnWrite_ = false;
+    bool RaiseScheduled_ = false;
+    int InsertedFrom_ = -1;
+    int InsertedTo_ = -1;
+};
