@@ -356,7 +356,7 @@ void PlainTextEditRichTextBox::OnContentsChange(int Position, int Removed, int A
 
 void PlainTextEditRichTextBox::OnSelectionMoved() {
     const QTextCursor Cursor = Editor_->textCursor();
-    if (Cursor.anchor() == LastAnchor_ && Cursor.position() == LastPosition_ && !ChangePending_) {
+    if (Cursor.anchor() == LastAnchor_ && Cursor.position() == LastPosition_) {
         return;
     }
     LastAnchor_ = Cursor.anchor();
@@ -383,7 +383,8 @@ void PlainTextEditRichTextBox::RaisePending() {
         InsertedFrom_ = -1;
         InsertedTo_ = -1;
         if (LinesInserted) {
-            LinesInserted(CrlfPosition(From), CrlfPosition(std::max(From, To - 1)));
+            // As a paste tells it: the caret before and after the inserted text.
+            LinesInserted(CrlfPosition(From), CrlfPosition(To));
         }
     }
 }
