@@ -7,6 +7,7 @@
 #include "link/frmDownloader.h"
 #include "platform/Global.h"
 #include "platform/HeadlessMessageBoxService.h"
+#include "platform/QtClipboardService.h"
 #include "platform/QtMessageBoxService.h"
 #include "project/ProjectType.h"
 
@@ -50,6 +51,7 @@ int main(int argc, char** argv) {
     } else {
         MessageBoxService::Install(std::make_unique<QtMessageBoxService>());
     }
+    ClipboardService::Install(std::make_unique<QtClipboardService>());
     ProjectModel::RegisterWithFrame();
 
     frmDownloader& Downloader = Global<frmDownloader>::Get();

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <functional>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 #include "editor/RichTextBox.h"
@@ -14,7 +14,7 @@
 // from calling it again. frmEditBoxType is its window; tests drive it over a
 // control in memory.
 class EditBoxModel {
-public:
+  public:
     // Works on Control, which it does not own.
     explicit EditBoxModel(RichTextBox* Control);
     ~EditBoxModel();
@@ -79,7 +79,7 @@ public:
     int32_t CommentColor() const { return CommentColor_; }
     int32_t BackgroundColor() const { return BackgroundColor_; }
 
-private:
+  private:
     void GetCurrentLine(int16_t& LineNumber) const;
     void DisplayCursor();
     void Disarm();

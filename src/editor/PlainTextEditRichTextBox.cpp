@@ -369,23 +369,25 @@ void PlainTextEditRichTextBox::OnSelectionMoved() {
 }
 
 void PlainTextEditRichTextBox::RaisePending() {
-    if (SelChangePending_) {
-        SelChangePending_ = false;
+    // Taken all at once: the handlers write the selection, which raises
+    // events of its own, and must not consume what is still to be told.
+    const bool SelChangeDue = SelChangePending_;
+    const bool ChangeDue = ChangePending_;
+    const int From = InsertedFrom_;
+    const int To = InsertedTo_;
+    SelChangePending_ = false;
+    ChangePending_ = false;
+    InsertedFrom_ = -1;
+    InsertedTo_ = -1;
+    if (SelChangeDue) {
         RaiseSelChange();
     }
-    if (ChangePending_) {
-        ChangePending_ = false;
+    if (ChangeDue) {
         RaiseChange();
     }
-    if (InsertedFrom_ >= 0) {
-        const int From = InsertedFrom_;
-        const int To = InsertedTo_;
-        InsertedFrom_ = -1;
-        InsertedTo_ = -1;
-        if (LinesInserted) {
-            // As a paste tells it: the caret before and after the inserted text.
-            LinesInserted(CrlfPosition(From), CrlfPosition(To));
-        }
+    if (From >= 0 && LinesInserted) {
+        // As a paste tells it: the caret before and after the inserted text.
+        LinesInserted(CrlfPosition(From), CrlfPosition(To));
     }
 }
 

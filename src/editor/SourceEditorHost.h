@@ -7,7 +7,7 @@
 // edit commands of its context menu on the active module. The main window
 // installs itself; until then nothing is shown.
 class SourceEditorHost {
-public:
+  public:
     virtual ~SourceEditorHost() = default;
     virtual void InsertMode(bool IsInsertMode) = 0;
     virtual void ActivateTab(int16_t ModuleNumber) = 0;
