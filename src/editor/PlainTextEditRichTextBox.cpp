@@ -38,6 +38,24 @@ PlainTextEditRichTextBox::PlainTextEditRichTextBox(QPlainTextEdit* Editor)
 // ---- Positions -------------------------------------------------------------
 
 PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crlf) const {
+    // Most questions are about the line of the last one, or a neighbour.
+    auto Holds = [Crlf](const QTextBlock& Block, int32_t& Start) {
+        if (!Block.isValid()) {
+            return false;
+        }
+        Start = Block.position() + Block.blockNumber();
+        const int32_t End = Start + Block.length() + (Block.next().isValid() ? 1 : 0);
+        return Crlf >= Start && (Crlf < End || !Block.next().isValid());
+    };
+    int32_t Start = 0;
+    for (const QTextBlock& Near :
+         {LastBlock_, LastBlock_.isValid() ? LastBlock_.previous() : QTextBlock(),
+          LastBlock_.isValid() ? LastBlock_.next() : QTextBlock()}) {
+        if (Holds(Near, Start)) {
+            LastBlock_ = Near;
+            return Location{Near, Start};
+        }
+    }
     const QTextDocument* Doc = Editor_->document();
     int Low = 0;
     int High = Doc->blockCount() - 1;
@@ -54,6 +72,7 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
     Location Found;
     Found.Block = Doc->findBlockByNumber(Low);
     Found.CrlfStart = Found.Block.position() + Low;
+    LastBlock_ = Found.Block;
     return Found;
 }
 
@@ -123,41 +142,66 @@ void PlainTextEditRichTextBox::SetText(const QString& Text) {
     RaisePending();
 }
 
+PlainTextEditRichTextBox::Selection PlainTextEditRichTextBox::CurrentSelection() const {
+    if (Hidden_) {
+        return Shadow_;
+    }
+    const QTextCursor Cursor = Editor_->textCursor();
+    return Selection{Cursor.anchor(), Cursor.position()};
+}
+
+QTextCursor PlainTextEditRichTextBox::CursorOf(Selection Of) const {
+    QTextCursor Cursor(Editor_->document());
+    Cursor.setPosition(Of.Anchor);
+    Cursor.setPosition(Of.Position, QTextCursor::KeepAnchor);
+    return Cursor;
+}
+
+void PlainTextEditRichTextBox::SetCurrentSelection(Selection NewSelection) {
+    if (!Hidden_) {
+        Editor_->setTextCursor(CursorOf(NewSelection));
+        return;
+    }
+    const bool Moved =
+        NewSelection.Anchor != Shadow_.Anchor || NewSelection.Position != Shadow_.Position;
+    Shadow_ = NewSelection;
+    if (Moved) {
+        RaiseSelChange();
+    }
+}
+
 int32_t PlainTextEditRichTextBox::SelStart() const {
-    return CrlfPosition(Editor_->textCursor().selectionStart());
+    return CrlfPosition(CurrentSelection().Start());
 }
 
 int32_t PlainTextEditRichTextBox::SelLength() const {
-    const QTextCursor Cursor = Editor_->textCursor();
-    return CrlfPosition(Cursor.selectionEnd()) - CrlfPosition(Cursor.selectionStart());
+    const Selection Current = CurrentSelection();
+    return CrlfPosition(Current.End()) - CrlfPosition(Current.Start());
 }
 
 void PlainTextEditRichTextBox::SetSelStart(int32_t Start) {
-    QTextCursor Cursor = Editor_->textCursor();
-    Cursor.setPosition(QtPosition(std::max(0, Start)));
-    Editor_->setTextCursor(Cursor);
+    const int Position = QtPosition(std::max(0, Start));
+    SetCurrentSelection(Selection{Position, Position});
     RaisePending();
 }
 
 void PlainTextEditRichTextBox::SetSelLength(int32_t Length) {
-    QTextCursor Cursor = Editor_->textCursor();
-    const int32_t Start = CrlfPosition(Cursor.selectionStart());
-    Cursor.setPosition(Cursor.selectionStart());
-    Cursor.setPosition(QtPosition(Start + std::max(0, Length)), QTextCursor::KeepAnchor);
-    Editor_->setTextCursor(Cursor);
+    const int Start = CurrentSelection().Start();
+    const int End = QtPosition(CrlfPosition(Start) + std::max(0, Length));
+    SetCurrentSelection(Selection{Start, End});
     RaisePending();
 }
 
 QString PlainTextEditRichTextBox::SelText() const {
-    return FromSelectedText(Editor_->textCursor().selectedText());
+    return FromSelectedText(CursorOf(CurrentSelection()).selectedText());
 }
 
 void PlainTextEditRichTextBox::SetSelText(const QString& Text) {
-    QTextCursor Cursor = Editor_->textCursor();
+    QTextCursor Cursor = CursorOf(CurrentSelection());
     OwnWrite_ = true;
     Cursor.insertText(ToDocumentText(Text));
     OwnWrite_ = false;
-    Editor_->setTextCursor(Cursor);
+    SetCurrentSelection(Selection{Cursor.anchor(), Cursor.position()});
     RaisePending();
 }
 
@@ -218,17 +262,21 @@ void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int
 }
 
 void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
-    const QTextCursor Cursor = Editor_->textCursor();
-    if (!Cursor.hasSelection()) {
+    const Selection Current = CurrentSelection();
+    if (Current.Start() == Current.End()) {
         // What is typed next: text that carries no range shows the text colour.
+        // A palette change repaints the whole editor: only when the colour differs.
         TypingColor_ = Rgb;
-        QPalette Palette = Editor_->palette();
-        Palette.setColor(QPalette::Text, QColor::fromRgb(Rgb));
-        Editor_->setPalette(Palette);
+        const QColor Color = QColor::fromRgb(Rgb);
+        if (Editor_->palette().color(QPalette::Text) != Color) {
+            QPalette Palette = Editor_->palette();
+            Palette.setColor(QPalette::Text, Color);
+            Editor_->setPalette(Palette);
+        }
         return;
     }
-    const int Start = Cursor.selectionStart();
-    const int End = Cursor.selectionEnd();
+    const int Start = Current.Start();
+    const int End = Current.End();
     const QTextDocument* Doc = Editor_->document();
     for (QTextBlock Block = Doc->findBlock(Start); Block.isValid() && Block.position() < End;
          Block = Block.next()) {
@@ -280,11 +328,23 @@ void PlainTextEditRichTextBox::SetBackColor(uint32_t Rgb) {
 void PlainTextEditRichTextBox::SetVisible(bool Visible) {
     // Hiding would take the focus away; holding back the repaint is what
     // keeps a recolouring from flickering.
-    Hidden_ = !Visible;
-    if (Visible) {
-        FlushDirty();
+    if (Visible == !Hidden_) {
+        return;
     }
-    Editor_->viewport()->setUpdatesEnabled(Visible);
+    if (!Visible) {
+        Shadow_ = CurrentSelection();
+        Hidden_ = true;
+        Editor_->viewport()->setUpdatesEnabled(false);
+        return;
+    }
+    Hidden_ = false;
+    FlushDirty();
+    // The selection the hidden work left goes to the editor now, once.
+    const QTextCursor Current = Editor_->textCursor();
+    if (Shadow_.Anchor != Current.anchor() || Shadow_.Position != Current.position()) {
+        Editor_->setTextCursor(CursorOf(Shadow_));
+    }
+    Editor_->viewport()->setUpdatesEnabled(true);
 }
 
 void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
@@ -346,7 +406,19 @@ void PlainTextEditRichTextBox::OnContentsChange(int Position, int Removed, int A
                                    [Offset](const auto& Range) { return Range.start >= Offset; });
             Moved.insert(At, Inserted);
         }
-        Layout->setFormats(Moved);
+        // Neighbours of one colour become one range again, so typing never
+        // splits a line into more runs than it has colours.
+        QList<QTextLayout::FormatRange> Merged;
+        Merged.reserve(Moved.size());
+        for (const QTextLayout::FormatRange& Range : Moved) {
+            if (!Merged.isEmpty() && Merged.back().start + Merged.back().length == Range.start &&
+                Merged.back().format == Range.format) {
+                Merged.back().length += Range.length;
+            } else {
+                Merged.append(Range);
+            }
+        }
+        Layout->setFormats(Merged);
     } else if (!OwnWrite_ && Added > 0) {
         // Lines came in by the editor's own hand: they still need colours.
         InsertedFrom_ = InsertedFrom_ < 0 ? Position : std::min(InsertedFrom_, Position);

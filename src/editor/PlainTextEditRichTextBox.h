@@ -6,6 +6,7 @@
 #include <QTextBlock>
 #include <QTextCharFormat>
 #include <QTextLayout>
+#include <algorithm>
 #include <vector>
 
 #include "editor/RichTextBox.h"
@@ -71,11 +72,26 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     void OnContentsChange(int Position, int Removed, int Added);
     void OnSelectionMoved();
     void RaisePending();
+    // The selection in force, in the document's positions: the editor's own,
+    // or while the control is hidden, one kept here as two numbers, so that a
+    // recolouring's many selection writes neither move (and scroll) the
+    // editor's caret nor lay out the lines they pass.
+    struct Selection {
+        int Anchor = 0;
+        int Position = 0;
+        int Start() const { return std::min(Anchor, Position); }
+        int End() const { return std::max(Anchor, Position); }
+    };
+    Selection CurrentSelection() const;
+    void SetCurrentSelection(Selection NewSelection);
+    QTextCursor CursorOf(Selection Of) const;
 
     QPlainTextEdit* Editor_;
+    mutable QTextBlock LastBlock_;
     QHash<uint32_t, QTextCharFormat> Formats_;
     uint32_t TypingColor_ = 0;
     bool Hidden_ = false;
+    Selection Shadow_;
     int DirtyFrom_ = -1;
     int DirtyTo_ = -1;
     int32_t Pointer_ = 0;

@@ -201,6 +201,19 @@ TEST_F(AdapterTest, RecolouringALineOftenKeepsItsRangesFew) {
     EXPECT_EQ(Editor.document()->firstBlock().layout()->formats().size(), 4);
 }
 
+TEST_F(AdapterTest, TypingKeepsOneRangePerColourRun) {
+    Box->SetText(QStringLiteral("abc"));
+    SyntaxHighlighterType Highlighter;
+    Highlighter.Connect(Box);
+    Highlighter.HighlightEntireFile();
+    Box->SetSelStart(3);
+    Settle();
+    QTest::keyClicks(Editor.viewport(), QStringLiteral("defghij"));
+    Settle();
+    ASSERT_EQ(Box->Text(), QStringLiteral("abcdefghij"));
+    EXPECT_EQ(Editor.document()->firstBlock().layout()->formats().size(), 1);
+}
+
 TEST_F(AdapterTest, EmptySelectionColourIsTheTextColour) {
     Box->SetText(QStringLiteral("a"));
     Box->SetSelStart(1);
