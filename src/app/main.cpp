@@ -10,6 +10,7 @@
 #include "platform/QtClipboardService.h"
 #include "platform/QtMessageBoxService.h"
 #include "project/ProjectType.h"
+#include "sim/SimulatedSerialLine.h"
 
 namespace {
 bool HasDisplay() {
@@ -53,6 +54,9 @@ int main(int argc, char** argv) {
     }
     ClipboardService::Install(std::make_unique<QtClipboardService>());
     ProjectModel::RegisterWithFrame();
+    // The "simulated chip" port entry: the whole system runs without hardware.
+    const auto SimulatedChip = std::make_shared<SimulatedSerialLine>();
+    SimulatedSerialLine::InstallAsSimulatedChip(SimulatedChip);
 
     frmDownloader& Downloader = Global<frmDownloader>::Get();
     Downloader.Form_Load();

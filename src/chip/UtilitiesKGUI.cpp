@@ -1,6 +1,7 @@
 #include "chip/UtilitiesKGUI.h"
 
 #include "frame/ErrorDisplay.h"
+#include "platform/ClockService.h"
 
 namespace UtilitiesKGUI {
 
@@ -51,5 +52,9 @@ QString CStrPinState(int32_t PinState) {
             return QStringLiteral("Illegal_Type");
     }
 }
+
+void Sleep(uint32_t Milliseconds) { ClockService::Instance().Sleep(Milliseconds); }
+
+bool IntegerToBoolean(int16_t Value) { return Value != 0; }
 
 }  // namespace UtilitiesKGUI

@@ -16,4 +16,9 @@ PinStateTypes ToPinState(int32_t Offset);
 // "kvOutputLow" and so on; "Illegal_Type" for any other value.
 QString CStrPinState(int32_t PinState);
 
+// The system's sleep in milliseconds, through the clock-and-pump service.
+void Sleep(uint32_t Milliseconds);
+// A 16-bit number as a boolean: anything but 0 is True.
+bool IntegerToBoolean(int16_t Value);
+
 }  // namespace UtilitiesKGUI

@@ -43,7 +43,16 @@ frmDownloader::frmDownloader() {
     txtDebugWindow->setReadOnly(true);
     txtDebugWindow->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtDebugWindow->setFont(QFont(QStringLiteral("Courier New")));
-    setCentralWidget(txtDebugWindow);
+    KavlinControl1 = new KavlinControl(this);
+    KavlinControl1->setObjectName(QStringLiteral("KavlinControl1"));
+    KavlinControl1->SetDebugWindow(
+        [this](const QString& Text) { txtDebugWindow->setPlainText(Text); });
+    auto* Central = new QWidget(this);
+    auto* Layout = new QVBoxLayout(Central);
+    Layout->setContentsMargins(0, 0, 0, 0);
+    Layout->addWidget(txtDebugWindow, 1);
+    Layout->addWidget(KavlinControl1);
+    setCentralWidget(Central);
     BuildMenus();
     BuildToolBar();
     BuildStatusBar();
@@ -368,7 +377,10 @@ void frmDownloader::mnuAbout_Click() {
 
 void frmDownloader::mnuExit_Click() { close(); }
 
-void frmDownloader::cmdClearWindow_Click() { txtDebugWindow->clear(); }
+void frmDownloader::cmdClearWindow_Click() {
+    KavlinControl1->Text(QString());
+    txtDebugWindow->clear();
+}
 
 void frmDownloader::mnuOpenDownload_Click() {
     // Not yet: opening a program image comes with the download.

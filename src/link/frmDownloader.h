@@ -12,6 +12,7 @@
 
 #include "frame/CommandLineInterpreter.h"
 #include "frame/FormGeometry.h"
+#include "link/KavlinControl.h"
 
 // How the downloader reaches an open editor at shutdown without loading one.
 class EditorShutdownHandler {
@@ -78,6 +79,8 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     QAction* ToolBarButton(const QString& Key) const;
 
     QPlainTextEdit* txtDebugWindow;
+    // The serial chip link, with its status box and progress bar.
+    KavlinControl* KavlinControl1;
     QVector<QLabel*> StatusBarPanels;
     QProgressBar* ProgressBar1;
     // Access keys Alt+D, Alt+E, Alt+S, Alt+R, Alt+C.

@@ -5,7 +5,7 @@
 
 // The clipboard: the system's in the program, a plain one in tests.
 class ClipboardService {
-public:
+  public:
     virtual ~ClipboardService() = default;
     virtual void Clear() = 0;
     virtual void SetText(const QString& Text) = 0;
@@ -17,11 +17,11 @@ public:
 
 // A clipboard of this process only.
 class MemoryClipboardService : public ClipboardService {
-public:
+  public:
     void Clear() override { Text_.clear(); }
     void SetText(const QString& Text) override { Text_ = Text; }
     QString GetText() override { return Text_; }
 
-private:
+  private:
     QString Text_;
 };

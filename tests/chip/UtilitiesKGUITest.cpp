@@ -2,6 +2,7 @@
 
 #include "chip/FileStatusTypes.h"
 #include "chip/UtilitiesKGUI.h"
+#include "support/VirtualClockService.h"
 
 namespace {
 
@@ -52,6 +53,23 @@ TEST(FileStatusText, IsTheStatusNameOrIllegalType) {
     EXPECT_EQ(CStrFileStatus(6), QStringLiteral("*** Illegal type ***"));
     EXPECT_EQ(static_cast<int>(fstOK), 0);
     EXPECT_EQ(static_cast<int>(fstUndefined), 5);
+}
+
+TEST(KGUIHelpers, AnyNonZeroNumberIsTrue) {
+    EXPECT_FALSE(IntegerToBoolean(0));
+    EXPECT_TRUE(IntegerToBoolean(1));
+    EXPECT_TRUE(IntegerToBoolean(-1));
+    EXPECT_TRUE(IntegerToBoolean(-32768));
+}
+
+TEST(KGUIHelpers, SleepGoesThroughTheClockService) {
+    auto Virtual = std::make_unique<VirtualClockService>();
+    VirtualClockService* Clock = Virtual.get();
+    ClockService::Install(std::move(Virtual));
+    UtilitiesKGUI::Sleep(150);
+    EXPECT_EQ(Clock->NowMs, 150);
+    EXPECT_EQ(Clock->SleepCalls, 1);
+    ClockService::Install(std::make_unique<VirtualClockService>());
 }
 
 }  // namespace

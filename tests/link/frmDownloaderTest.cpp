@@ -345,6 +345,17 @@ TEST_F(DownloaderTest, ToolBarHoldsItsButtonsByPosition) {
               QStringLiteral("Set Starting &Directory"));
 }
 
+TEST_F(DownloaderTest, HoldsTheChipLinkAndClearWindowEmptiesItAndTheDebugWindow) {
+    frmDownloader& Window = Load();
+    auto* Link = Window.findChild<KavlinControl*>(QStringLiteral("KavlinControl1"));
+    ASSERT_NE(Link, nullptr);
+    Link->Text(QStringLiteral("Chip halted"));
+    Window.txtDebugWindow->setPlainText(QStringLiteral("hello"));
+    Window.ToolBar_ButtonClick(QStringLiteral("ClearSerial"));
+    EXPECT_TRUE(Link->txtStatus->text().isEmpty());
+    EXPECT_TRUE(Window.txtDebugWindow->toPlainText().isEmpty());
+}
+
 TEST_F(DownloaderTest, EditorButtonReleasesTheProjectAndEmptiesTheImageName) {
     frmDownloader& Window = Load();
     GlobalData::DownloadFilename = QStringLiteral("/x/blink.kvb");

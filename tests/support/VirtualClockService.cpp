@@ -10,6 +10,19 @@ void VirtualClockService::Sleep(uint32_t Milliseconds) {
     }
 }
 
+void VirtualClockService::SleepMicroseconds(int64_t Microseconds) {
+    if (Microseconds <= 0) {
+        return;
+    }
+    const int64_t Total = NowSubMs + Microseconds;
+    NowMs += Total / 1000;
+    NowSubMs = Total % 1000;
+    ++MicroSleepCalls;
+    if (OnSleep) {
+        OnSleep(NowMs);
+    }
+}
+
 void VirtualClockService::DoEvents() {
     ++DoEventsCalls;
     QCoreApplication::processEvents();

@@ -12,8 +12,14 @@ class VirtualClockService : public ClockService {
     int64_t TickCount() override { return NowMs; }
     double Timer() override { return static_cast<double>(NowMs % 86400000) / 1000.0; }
     void DoEvents() override;
+    int64_t MicroTicks() override { return NowMs * 1000 + NowSubMs; }
+    // Advances by microseconds; whole milliseconds carry into NowMs.
+    void SleepMicroseconds(int64_t Microseconds) override;
 
     int64_t NowMs = 0;
+    // Microseconds past NowMs, 0 to 999.
+    int64_t NowSubMs = 0;
+    int MicroSleepCalls = 0;
     int SleepCalls = 0;
     int DoEventsCalls = 0;
     // Called after every sleep with the new time: a test's way of acting

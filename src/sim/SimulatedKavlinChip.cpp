@@ -1,0 +1,211 @@
+#include "sim/SimulatedKavlinChip.h"
+
+namespace {
+// Takes one use of a fault count; -1 never runs out.
+bool Take(int& Count) {
+    if (Count == 0) {
+        return false;
+    }
+    if (Count > 0) {
+        --Count;
+    }
+    return true;
+}
+
+uint8_t Checksum(uint8_t Sum) { return static_cast<uint8_t>(-Sum); }
+}  // namespace
+
+SimulatedKavlinChip::SimulatedKavlinChip()
+    : Ram(RamSize, 0), InternalEeprom(InternalEepromSize, 0xFF) {}
+
+void SimulatedKavlinChip::Reply(QByteArray Bytes, int64_t Ns, bool HasChecksum) {
+    if (Faults.Silent) {
+        return;
+    }
+    if (HasChecksum && !Bytes.isEmpty() && Take(Faults.WrongChecksum)) {
+        Bytes[Bytes.size() - 1] = static_cast<char>(static_cast<uint8_t>(Bytes.back()) + 1);
+    }
+    if (!Bytes.isEmpty() && Take(Faults.ShortReply)) {
+        Bytes.chop(1);
+    }
+    if (!Bytes.isEmpty() && Take(Faults.DroppedByte)) {
+        Bytes.remove(0, 1);
+    }
+    if (Take(Faults.ExtraByte)) {
+        Bytes.append(static_cast<char>(0x55));
+    }
+    if (!Bytes.isEmpty() && Sink_) {
+        Sink_(Bytes, Ns + ReplyLatencyNs + Faults.LateNs);
+    }
+}
+
+void SimulatedKavlinChip::EnterMonitor() {
+    if (!InMonitor_) {
+        InMonitor_ = true;
+        ++CatchCount;
+    }
+    State = Expect::Command;
+}
+
+void SimulatedKavlinChip::LeaveMonitor() {
+    InMonitor_ = false;
+    State = Expect::Command;
+}
+
+void SimulatedKavlinChip::SetAtn(bool Level, int64_t Ns) {
+    const bool Rising = Level && !AtnLevel_;
+    AtnLevel_ = Level;
+    if (!Rising || InMonitor_) {
+        return;
+    }
+    const bool StartingUp = StartupUntilNs >= 0 && Ns <= StartupUntilNs;
+    if (!ProgramHoldsOffAtn || StartingUp) {
+        EnterMonitor();
+    }
+}
+
+void SimulatedKavlinChip::PressReset(int64_t Ns) {
+    if (ExternalEeprom.Selected()) {
+        ExternalEeprom.Deselect(Ns);
+    }
+    LeaveMonitor();
+    StartupUntilNs = Ns + StartupWindowNs;
+}
+
+void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
+    if (!InMonitor_) {
+        if (PcLinkProgram && Byte == 0x01) {
+            EnterMonitor();
+            Reply(QByteArray(1, static_cast<char>(Acknowledge)), Ns, false);
+            return;
+        }
+        ProgramInput.append(static_cast<char>(Byte));
+        return;
+    }
+    switch (State) {
+        case Expect::Command:
+            CommandByte(Byte, Ns);
+            return;
+        case Expect::BlockHeader:
+            Header.append(static_cast<char>(Byte));
+            if (Header.size() == 4) {
+                BlockHeaderDone(Ns);
+            }
+            return;
+        case Expect::WriteRamData:
+            Ram[Address] = Byte;
+            Address = static_cast<uint16_t>(Address + 1);
+            Sum = static_cast<uint8_t>(Sum + Byte);
+            if (--Remaining == 0) {
+                State = Expect::Command;
+                Reply(QByteArray(1, static_cast<char>(Checksum(Sum))), Ns, true);
+            }
+            return;
+        case Expect::WriteEepromData: {
+            InternalEeprom[Address % InternalEepromSize] = Byte;
+            Address = static_cast<uint16_t>(Address + 1);
+            Sum = static_cast<uint8_t>(Sum + Byte);
+            // Each byte is acknowledged; the last one's acknowledgement has
+            // the checksum right behind it.
+            QByteArray Answer(1, static_cast<char>(Byte));
+            if (--Remaining == 0) {
+                State = Expect::Command;
+                Answer.append(static_cast<char>(Checksum(Sum)));
+                Reply(Answer, Ns, true);
+            } else {
+                Reply(Answer, Ns, false);
+            }
+            return;
+        }
+        case Expect::SpiCount:
+            Remaining = Byte;
+            State = Remaining == 0 ? Expect::Command : Expect::SpiData;
+            if (!ExternalEeprom.Selected()) {
+                ExternalEeprom.Select(Ns);
+            }
+            return;
+        case Expect::SpiData:
+            // Every byte clocked through the EEPROM comes back as it is clocked.
+            Reply(QByteArray(1, static_cast<char>(ExternalEeprom.Exchange(Byte, Ns))), Ns, false);
+            if (--Remaining == 0) {
+                State = Expect::Command;
+            }
+            return;
+        case Expect::LeaveCode:
+            if (Byte == 0x00) {
+                ++ContinueCount;
+                LeaveMonitor();
+            } else if (Byte == 0xD6) {
+                State = Expect::ResetEnd;
+            } else {
+                State = Expect::Command;
+            }
+            return;
+        case Expect::ResetEnd:
+            if (Byte == 0x00) {
+                ++ResetCount;
+                LeaveMonitor();
+                StartupUntilNs = Ns + StartupWindowNs;
+            } else {
+                State = Expect::Command;
+            }
+            return;
+    }
+}
+
+void SimulatedKavlinChip::CommandByte(uint8_t Byte, int64_t Ns) {
+    if (Byte != 0x80 && ExternalEeprom.Selected()) {
+        // Any other byte in command position ends an EEPROM transfer.
+        ExternalEeprom.Deselect(Ns);
+    }
+    switch (Byte) {
+        case 0x01:
+            Reply(QByteArray(1, static_cast<char>(Acknowledge)), Ns, false);
+            return;
+        case 0x20:
+        case 0x40:
+        case 0x24:
+        case 0x44:
+            Command = Byte;
+            Header.clear();
+            State = Expect::BlockHeader;
+            return;
+        case 0x80:
+            State = Expect::SpiCount;
+            return;
+        case 0x10:
+            State = Expect::LeaveCode;
+            return;
+        default:
+            // 0x00 and anything unknown are passed over.
+            return;
+    }
+}
+
+void SimulatedKavlinChip::BlockHeaderDone(int64_t Ns) {
+    const auto ByteAt = [this](int Index) { return static_cast<uint8_t>(Header.at(Index)); };
+    Length = static_cast<uint16_t>(ByteAt(0) | (ByteAt(1) << 8));
+    Address = static_cast<uint16_t>(ByteAt(2) | (ByteAt(3) << 8));
+    Remaining = Length;
+    Sum = 0;
+    State = Expect::Command;
+    if (Command == 0x20 || Command == 0x40) {
+        QByteArray Answer;
+        Answer.reserve(Length + 1);
+        for (uint16_t Offset = 0; Offset < Length; ++Offset) {
+            const uint16_t Where = static_cast<uint16_t>(Address + Offset);
+            const uint8_t Value =
+                Command == 0x20 ? Ram[Where] : InternalEeprom[Where % InternalEepromSize];
+            Sum = static_cast<uint8_t>(Sum + Value);
+            Answer.append(static_cast<char>(Value));
+        }
+        Answer.append(static_cast<char>(Checksum(Sum)));
+        Reply(Answer, Ns, true);
+        return;
+    }
+    if (Length == 0) {
+        Reply(QByteArray(1, static_cast<char>(0)), Ns, true);
+        return;
+    }
+    State = Command == 0x24 ? Expect::WriteRamData : Expect::WriteEepromData;
+}

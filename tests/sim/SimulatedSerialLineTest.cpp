@@ -1,0 +1,180 @@
+#include <gtest/gtest.h>
+
+#include "platform/ErrObject.h"
+#include "platform/SerialDevices.h"
+#include "platform/SerialPortObject.h"
+#include "sim/SimulatedSerialLine.h"
+#include "support/VirtualClockService.h"
+
+namespace {
+
+class SimulatedSerialLineTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        auto Virtual = std::make_unique<VirtualClockService>();
+        Clock = Virtual.get();
+        ClockService::Install(std::move(Virtual));
+        Line = std::make_shared<SimulatedSerialLine>();
+        Line->SetInBufferSize(4096);
+        Line->SetPortOpen(true);
+    }
+    void TearDown() override { ClockService::Install(std::make_unique<VirtualClockService>()); }
+
+    void Catch() {
+        Line->SetDTREnable(true);
+        Line->SetDTREnable(false);
+        ASSERT_TRUE(Line->Chip().InMonitor());
+    }
+    static QByteArray Hex(const char* Text) { return QByteArray::fromHex(Text); }
+
+    VirtualClockService* Clock = nullptr;
+    std::shared_ptr<SimulatedSerialLine> Line;
+};
+
+TEST_F(SimulatedSerialLineTest, BytesLeaveAtTenBitsEachAt115200Baud) {
+    Line->TransmitFifoBytes = 0;
+    Line->Output(QByteArray(116, '\0'));
+    EXPECT_EQ(Line->OutBufferCount(), 116);
+    Clock->SleepMicroseconds(87);
+    EXPECT_EQ(Line->OutBufferCount(), 115);
+    Line->WaitForOutputDrain(1'000'000);
+    EXPECT_EQ(Line->OutBufferCount(), 0);
+    // 116 bytes of 10 bits at 115200 baud: 10.07 ms.
+    EXPECT_EQ(Clock->MicroTicks(), (116 * SimulatedSerialLine::ByteNs + 999) / 1000);
+}
+
+TEST_F(SimulatedSerialLineTest, LastSixteenBytesWaitInTheTransmitFifoUncounted) {
+    Line->Output(QByteArray(116, '\0'));
+    EXPECT_EQ(Line->OutBufferCount(), 100);
+    Line->WaitForOutputDrain(1'000'000);
+    EXPECT_EQ(Line->OutBufferCount(), 0);
+    EXPECT_EQ(Clock->MicroTicks(), (100 * SimulatedSerialLine::ByteNs + 999) / 1000);
+    // The chip has the filler's last byte 16 byte times later.
+    Clock->SleepMicroseconds(16 * SimulatedSerialLine::ByteNs / 1000 - 2);
+    Line->OutBufferCount();
+    EXPECT_EQ(Line->Chip().ProgramInput.size(), 115);
+    Clock->SleepMicroseconds(3);
+    Line->OutBufferCount();
+    EXPECT_EQ(Line->Chip().ProgramInput.size(), 116);
+}
+
+TEST_F(SimulatedSerialLineTest, DrainWaitStopsAtItsLimit) {
+    Line->TransmitFifoBytes = 0;
+    Line->Output(QByteArray(116, '\0'));
+    Line->WaitForOutputDrain(1000);
+    EXPECT_EQ(Clock->MicroTicks(), 1000);
+    EXPECT_GT(Line->OutBufferCount(), 0);
+}
+
+TEST_F(SimulatedSerialLineTest, ReplyReachesTheHostWholeOnceItsLastByteIsIn) {
+    Catch();
+    Line->Output(Hex("2004000000"));
+    Line->WaitForInput(1, 100'000);
+    EXPECT_EQ(Line->InBufferCount(), 5);
+    // Five bytes out, the chip's latency, five bytes back.
+    EXPECT_EQ(Clock->MicroTicks(),
+              (10 * SimulatedSerialLine::ByteNs + Line->Chip().ReplyLatencyNs + 999) / 1000);
+}
+
+TEST_F(SimulatedSerialLineTest, InputWaitGivesUpAtItsLimitOnASilentChip) {
+    Catch();
+    Line->Chip().Faults.Silent = true;
+    Line->Output(Hex("01"));
+    Line->WaitForInput(1, 195'000);
+    EXPECT_EQ(Clock->MicroTicks(), 195'000);
+    EXPECT_EQ(Line->InBufferCount(), 0);
+}
+
+TEST_F(SimulatedSerialLineTest, AllByteValuesPassUnchangedBothWays) {
+    Catch();
+    QByteArray All;
+    uint8_t Sum = 0;
+    for (int Value = 0; Value < 256; ++Value) {
+        All.append(static_cast<char>(Value));
+        Sum = static_cast<uint8_t>(Sum + Value);
+    }
+    Line->Output(Hex("2400010000") + All);
+    Line->WaitForInput(1, 1'000'000);
+    EXPECT_EQ(Line->Input(), QByteArray(1, static_cast<char>(-Sum)));
+    Line->Output(Hex("2000010000"));
+    Line->WaitForInput(257, 1'000'000);
+    const QByteArray Back = Line->Input();
+    EXPECT_EQ(Back.left(256), All);
+    EXPECT_EQ(Line->SentBytes(), Hex("2400010000") + All + Hex("2000010000"));
+}
+
+TEST_F(SimulatedSerialLineTest, ClearingInputDropsOnlyWhatHasArrived) {
+    Catch();
+    Line->Output(Hex("01"));
+    Line->WaitForInput(1, 10'000);
+    Line->Output(Hex("01"));
+    Line->SetInBufferCount(0);
+    EXPECT_EQ(Line->InBufferCount(), 0);
+    Line->WaitForInput(1, 10'000);
+    EXPECT_EQ(Line->Input(), Hex("6c"));
+}
+
+TEST_F(SimulatedSerialLineTest, InputBeyondTheBufferIsLost) {
+    Catch();
+    Line->SetInBufferSize(8);
+    Line->Output(Hex("2010000000"));
+    Line->WaitForInput(8, 100'000);
+    Clock->SleepMicroseconds(10'000);
+    EXPECT_EQ(Line->InBufferCount(), 8);
+}
+
+TEST_F(SimulatedSerialLineTest, ClosedLineRefusesTraffic) {
+    Line->SetPortOpen(false);
+    EXPECT_THROW(Line->Output(Hex("01")), RuntimeError);
+    EXPECT_THROW(Line->InBufferCount(), RuntimeError);
+    EXPECT_EQ(Err().Number, 8018);
+}
+
+TEST_F(SimulatedSerialLineTest, ResetButtonRestartsTheProgram) {
+    Catch();
+    Line->PressResetButton();
+    EXPECT_FALSE(Line->Chip().InMonitor());
+}
+
+TEST(SerialDevices, StableOrderListsSerialThenUsbThenAcmByNumber) {
+    const QStringList Ordered =
+        SerialDevices::StableOrder({QStringLiteral("/dev/ttyACM0"), QStringLiteral("/dev/ttyS10"),
+                                    QStringLiteral("/dev/pts/3"), QStringLiteral("/dev/ttyUSB1"),
+                                    QStringLiteral("/dev/ttyS2"), QStringLiteral("/dev/ttyUSB0")});
+    EXPECT_EQ(Ordered, QStringList({QStringLiteral("/dev/ttyS2"), QStringLiteral("/dev/ttyS10"),
+                                    QStringLiteral("/dev/ttyUSB0"), QStringLiteral("/dev/ttyUSB1"),
+                                    QStringLiteral("/dev/ttyACM0")}));
+}
+
+TEST(SerialDevices, PortNumberNamesTheNthDeviceAndSimulatedChipComesLast) {
+    SerialDevices::SetDeviceLister([] {
+        return QStringList({QStringLiteral("/dev/ttyS0"), QStringLiteral("/dev/ttyUSB0")});
+    });
+    EXPECT_EQ(SerialDevices::DeviceForPort(1), QStringLiteral("/dev/ttyS0"));
+    EXPECT_EQ(SerialDevices::DeviceForPort(2), QStringLiteral("/dev/ttyUSB0"));
+    EXPECT_TRUE(SerialDevices::DeviceForPort(3).isEmpty());
+    EXPECT_TRUE(SerialDevices::DeviceForPort(0).isEmpty());
+    EXPECT_EQ(SerialDevices::SimulatedChipPortNumber(), 3);
+    EXPECT_EQ(SerialDevices::PortEntries().last(), QStringLiteral("simulated chip"));
+    SerialDevices::SetDeviceLister(nullptr);
+}
+
+TEST(SerialDevices, SimulatedChipEntryOpensTheInstalledLine) {
+    SerialDevices::SetDeviceLister([] { return QStringList(); });
+    auto Line = std::make_shared<SimulatedSerialLine>();
+    SerialPortObject Port;
+    Port.SetCommPort(1);
+    EXPECT_THROW(Port.SetPortOpen(true), RuntimeError);
+    SimulatedSerialLine::InstallAsSimulatedChip(Line);
+    Port.SetDTREnable(false);
+    Port.SetPortOpen(true);
+    EXPECT_TRUE(Line->PortOpen());
+    EXPECT_EQ(Port.Device(), Line.get());
+    EXPECT_THROW(Port.SetCommPort(2), RuntimeError);
+    Port.SetPortOpen(false);
+    EXPECT_FALSE(Line->PortOpen());
+    SimulatedSerialLine::UninstallSimulatedChip();
+    SerialDevices::SetDeviceLister(nullptr);
+}
+
+}  // namespace
