@@ -166,13 +166,19 @@ void PRFfileType::ReadAll() {
     }
 }
 
-void PRFfileType::SaveOver(const QString& ReadOnlyTitle, const QString& UnableText,
-                           const QString& UnableTitle) {
+FileStatusTypes PRFfileType::InitializeProjectFile(QString& Filename) const {
     QString ProjectPath;
     QString ProjectName;
-    const QString Filename = ProjectPrfFilename(ProjectPath, ProjectName);
+    Filename = ProjectPrfFilename(ProjectPath, ProjectName);
     FileStatusTypes Status = fstUndefined;
     FileExecutive().Initialize(ProjectPath, ProjectName, Status);
+    return Status;
+}
+
+void PRFfileType::SaveOver(const QString& ReadOnlyTitle, const QString& UnableText,
+                           const QString& UnableTitle) {
+    QString Filename;
+    const FileStatusTypes Status = InitializeProjectFile(Filename);
     switch (Status) {
         case fstOK:
         case fstNonexistant:
@@ -206,11 +212,8 @@ void PRFfileType::WriteNewFile() {
 }
 
 void PRFfileType::ReadExistingFile() {
-    QString ProjectPath;
-    QString ProjectName;
-    const QString Filename = ProjectPrfFilename(ProjectPath, ProjectName);
-    FileStatusTypes Status = fstUndefined;
-    FileExecutive().Initialize(ProjectPath, ProjectName, Status);
+    QString Filename;
+    const FileStatusTypes Status = InitializeProjectFile(Filename);
     switch (Status) {
         case fstOK:
         case fstReadOnly:

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "chip/FileStatusTypes.h"
 #include "chip/PinStateTypes.h"
 #include "chip/ProcessorTypes.h"
 
@@ -56,6 +57,8 @@ class PRFfileType {
     void ReadAll();
     bool WriteAll();
     QString ProjectPrfFilename(QString& Path, QString& Name) const;
+    // Looks at the project's file; its full name comes back in Filename.
+    FileStatusTypes InitializeProjectFile(QString& Filename) const;
     // WriteFile and WriteNewFile, which differ only in their messages.
     void SaveOver(const QString& ReadOnlyTitle, const QString& UnableText,
                   const QString& UnableTitle);

@@ -290,29 +290,20 @@ void KavlinControl::HaltKavlin(DownloaderStatusTypes& Status) {
 }
 
 void KavlinControl::ResetKavlin(DownloaderStatusTypes& Status) {
-    if (!ChipIsHalted_) {
-        Status = dlNotHalted;
-        return;
-    }
-    try {
-        Port->Output(Bytes({0x10, 0xD6, 0x00}));
-        WaitForOutputDrain();
-        ClearInput();
-        ChipIsHalted_ = false;
-        Status = dlOK;
-    } catch (...) {
-        TakeCurrentException();
-        Status = dlResetFailed;
-    }
+    ReleaseChip(Bytes({0x10, 0xD6, 0x00}), Status);
 }
 
 void KavlinControl::ContinueKavlin(DownloaderStatusTypes& Status) {
+    ReleaseChip(Bytes({0x10, 0x00}), Status);
+}
+
+void KavlinControl::ReleaseChip(const QByteArray& Request, DownloaderStatusTypes& Status) {
     if (!ChipIsHalted_) {
         Status = dlNotHalted;
         return;
     }
     try {
-        Port->Output(Bytes({0x10, 0x00}));
+        Port->Output(Request);
         WaitForOutputDrain();
         ClearInput();
         ChipIsHalted_ = false;

@@ -74,6 +74,8 @@ class KavlinControl : public QWidget {
     void resizeEvent(QResizeEvent* Event) override;
 
   private:
+    // Reset and continue: the monitor lets go of a halted chip.
+    void ReleaseChip(const QByteArray& Request, DownloaderStatusTypes& Status);
     void StopChip();
     void ReadBlock(uint8_t Command, int32_t StartingAddress, int32_t Length, ByteBlock& Block);
     void WriteBlock(uint8_t Command, int32_t StartingAddress, int32_t Length, ByteBlock& Block);
