@@ -9,6 +9,8 @@
 #include <QThread>
 #include <algorithm>
 
+#include "platform/ErrObject.h"
+
 QtSerialPort::QtSerialPort(const QString& DeviceName) : DeviceName_(DeviceName) {}
 
 QtSerialPort::~QtSerialPort() {
@@ -34,7 +36,16 @@ void QtSerialPort::SetPortOpen(bool Value) {
     }
     Port.setPortName(DeviceName_);
     if (!Port.open(QIODevice::ReadWrite)) {
+        const QSerialPort::SerialPortError Cause = Port.error();
         Port.clearError();
+        if (Cause == QSerialPort::DeviceNotFoundError) {
+            SerialPortErrors::RaiseInvalidPortNumber();
+        }
+        if (Cause == QSerialPort::PermissionError) {
+            // Held by another program, or not ours to open.
+            RaiseError(SerialPortErrors::PortAlreadyOpen,
+                       QStringLiteral("Port already open or not permitted: ") + DeviceName_);
+        }
         SerialPortErrors::RaisePortAlreadyOpen();
     }
     ApplySettings();

@@ -77,13 +77,14 @@ QStringList PortEntries() {
 
 QString DeviceForPort(int16_t PortNumber) {
     const QStringList Devices = DeviceNames();
-    if (PortNumber < 1 || PortNumber > Devices.size()) {
+    // The simulated chip's number never names a device, however many there are.
+    if (PortNumber < 1 || PortNumber > Devices.size() || PortNumber == SimulatedChipPort) {
         return QString();
     }
     return Devices.at(PortNumber - 1);
 }
 
-int16_t SimulatedChipPortNumber() { return static_cast<int16_t>(DeviceNames().size() + 1); }
+int16_t SimulatedChipPortNumber() { return SimulatedChipPort; }
 
 void SetDeviceLister(std::function<QStringList()> NewLister) { Lister() = std::move(NewLister); }
 

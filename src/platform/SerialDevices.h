@@ -25,6 +25,10 @@ QStringList StableOrder(const QStringList& Names);
 QStringList PortEntries();
 // The device for a port number; empty when there is none.
 QString DeviceForPort(int16_t PortNumber);
+// The "simulated chip" entry has a number of its own that no device count can
+// reach or shift, so a stored port never turns from the simulation into real
+// hardware when an adapter is plugged in or out.
+constexpr int16_t SimulatedChipPort = 99;
 int16_t SimulatedChipPortNumber();
 
 // A test or a sandbox names the devices itself; an empty function restores

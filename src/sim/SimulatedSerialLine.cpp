@@ -121,8 +121,10 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
     if (RefuseClose) {
         RaiseError(SerialPortErrors::PortNotOpen, QStringLiteral("The port could not be closed"));
     }
-    // Closing drops what is still queued and lowers DTR.
+    // Closing drops what is still queued or on its way and lowers DTR: a
+    // closed port receives nothing.
     ToChip.clear();
+    ToHost.clear();
     InBuffer.clear();
     Open = false;
     Record(HostEvent::Close);

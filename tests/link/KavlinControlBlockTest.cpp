@@ -137,7 +137,12 @@ TEST_F(KavlinControlBlock, WriteRamToASilentChipRaisesNoCommunications) {
     OpenAndHalt();
     Line->Chip().Faults.Silent = true;
     KavlinControl::ByteBlock Block = {1};
+    const int64_t Before = Clock->MicroTicks();
     EXPECT_THROW(Control->WriteRam(0, 1, Block), RuntimeError);
+    // It waited its two seconds for the acknowledgement, and no longer.
+    const int64_t Waited = Clock->MicroTicks() - Before;
+    EXPECT_GE(Waited, 2'000'000);
+    EXPECT_LT(Waited, 2'100'000);
     EXPECT_EQ(ShownTexts(),
               QStringList({QStringLiteral("4301"), QStringLiteral("No Communications")}));
     EXPECT_EQ(Control->LastErrorCode(), 4301);
@@ -164,7 +169,11 @@ TEST_F(KavlinControlBlock, WriteInternalEEpromTimeOutGivesTwo) {
     Line->Chip().Faults.Silent = true;
     KavlinControl::ByteBlock Block(32, 0x42);
     DownloaderStatusTypes Status = dlOK;
+    const int64_t Before = Clock->MicroTicks();
     Control->WriteInternalEEprom(0, 32, Block, Status);
+    const int64_t Waited = Clock->MicroTicks() - Before;
+    EXPECT_GE(Waited, 2'000'000);
+    EXPECT_LT(Waited, 2'100'000);
     EXPECT_EQ(Status, dlNoCommunications);
     EXPECT_EQ(ShownTexts(),
               QStringList({QStringLiteral("4301"), QStringLiteral("No Communications")}));

@@ -123,6 +123,18 @@ TEST_F(SimulatedSerialLineTest, InputBeyondTheBufferIsLost) {
     EXPECT_EQ(Line->InBufferCount(), 8);
 }
 
+TEST_F(SimulatedSerialLineTest, ReplyOnItsWayWhenThePortClosesNeverArrives) {
+    Catch();
+    Line->Output(Hex("2064000000"));
+    Clock->SleepMicroseconds(1000);
+    Line->SetPortOpen(false);
+    Clock->SleepMicroseconds(20000);
+    Line->SetPortOpen(true);
+    EXPECT_EQ(Line->InBufferCount(), 0);
+    Clock->SleepMicroseconds(20000);
+    EXPECT_EQ(Line->InBufferCount(), 0);
+}
+
 TEST_F(SimulatedSerialLineTest, ClosedLineRefusesTraffic) {
     Line->SetPortOpen(false);
     EXPECT_THROW(Line->Output(Hex("01")), RuntimeError);
@@ -154,8 +166,24 @@ TEST(SerialDevices, PortNumberNamesTheNthDeviceAndSimulatedChipComesLast) {
     EXPECT_EQ(SerialDevices::DeviceForPort(2), QStringLiteral("/dev/ttyUSB0"));
     EXPECT_TRUE(SerialDevices::DeviceForPort(3).isEmpty());
     EXPECT_TRUE(SerialDevices::DeviceForPort(0).isEmpty());
-    EXPECT_EQ(SerialDevices::SimulatedChipPortNumber(), 3);
+    EXPECT_EQ(SerialDevices::SimulatedChipPortNumber(), 99);
     EXPECT_EQ(SerialDevices::PortEntries().last(), QStringLiteral("simulated chip"));
+    SerialDevices::SetDeviceLister(nullptr);
+}
+
+TEST(SerialDeviceList, SimulatedChipKeepsItsNumberHoweverManyDevicesThereAre) {
+    QStringList Many;
+    for (int Index = 0; Index < 120; ++Index) {
+        Many << QStringLiteral("/dev/ttyS%1").arg(Index);
+    }
+    SerialDevices::SetDeviceLister([] { return QStringList(); });
+    const int16_t WithNone = SerialDevices::SimulatedChipPortNumber();
+    SerialDevices::SetDeviceLister([Many] { return Many; });
+    EXPECT_EQ(SerialDevices::SimulatedChipPortNumber(), WithNone);
+    EXPECT_TRUE(SerialDevices::DeviceForPort(WithNone).isEmpty())
+        << "the simulated chip's number never opens a device";
+    EXPECT_EQ(SerialDevices::DeviceForPort(98), QStringLiteral("/dev/ttyS97"));
+    EXPECT_EQ(SerialDevices::DeviceForPort(100), QStringLiteral("/dev/ttyS99"));
     SerialDevices::SetDeviceLister(nullptr);
 }
 
@@ -164,7 +192,9 @@ TEST(SerialDevices, SimulatedChipEntryOpensTheInstalledLine) {
     auto Line = std::make_shared<SimulatedSerialLine>();
     SerialPortObject Port;
     Port.SetCommPort(1);
-    EXPECT_THROW(Port.SetPortOpen(true), RuntimeError);
+    EXPECT_THROW(Port.SetPortOpen(true), RuntimeError) << "no device is port 1";
+    Port.SetCommPort(SerialDevices::SimulatedChipPortNumber());
+    EXPECT_THROW(Port.SetPortOpen(true), RuntimeError) << "no simulated chip is installed";
     SimulatedSerialLine::InstallAsSimulatedChip(Line);
     Port.SetDTREnable(false);
     Port.SetPortOpen(true);
