@@ -232,4 +232,44 @@ TEST_F(KavlinControlBlock, WriteInternalEEpromDoesNotAskWhetherTheChipIsHalted) 
     EXPECT_EQ(Status, dlOK) << Err().Number << " " << Err().Description.toStdString();
 }
 
+// A chip already in its monitor (PC link) that the control has not halted
+// itself: a failed exchange must mark the chip halted all the same.
+class KavlinControlFailureMarksHalted : public KavlinControlBlock {
+  protected:
+    void SetUp() override {
+        KavlinControlBlock::SetUp();
+        OpenPort();
+        Line->Chip().PcLinkProgram = true;
+        Line->Output(Hex("01"));
+        Line->WaitForInput(1, 10'000);
+        Line->Input();
+        ASSERT_FALSE(Control->ChipIsHalted());
+    }
+};
+
+TEST_F(KavlinControlFailureMarksHalted, AfterABadRead) {
+    Line->Chip().Faults.Silent = true;
+    KavlinControl::ByteBlock Block(16, 0);
+    Control->ReadRam(8, 8, Block);
+    EXPECT_TRUE(Control->ChipIsHalted());
+}
+
+TEST_F(KavlinControlFailureMarksHalted, AfterAnInternalEEpromTimeOut) {
+    Line->Chip().Faults.Silent = true;
+    KavlinControl::ByteBlock Block(32, 0x42);
+    DownloaderStatusTypes Status = dlOK;
+    Control->WriteInternalEEprom(0, 32, Block, Status);
+    EXPECT_EQ(Status, dlNoCommunications);
+    EXPECT_TRUE(Control->ChipIsHalted());
+}
+
+TEST_F(KavlinControlFailureMarksHalted, AfterAWrongInternalEEpromChecksum) {
+    Line->Chip().Faults.WrongChecksum = 1;
+    KavlinControl::ByteBlock Block(32, 0x42);
+    DownloaderStatusTypes Status = dlOK;
+    Control->WriteInternalEEprom(0, 32, Block, Status);
+    EXPECT_EQ(Status, dlChecksumFailed);
+    EXPECT_TRUE(Control->ChipIsHalted());
+}
+
 }  // namespace
