@@ -122,8 +122,19 @@ TEST_F(KavlinControlHalt, SilentChipGivesNoCommunicationsAfterTwentyAttempts) {
     EXPECT_EQ(Control->LastErrorCode(), 4301);
     EXPECT_EQ(Err().Number, static_cast<int32_t>(0x80040000u + 4301u));
     EXPECT_EQ(Control->txtStatus->text(), QStringLiteral("No Communications"));
-    const QStringList Shown = ShownTexts();
-    EXPECT_EQ(Shown.at(Shown.size() - 2), QStringLiteral("Retry 20"));
+    // "Retry 1" to "Retry 20", each once and in order, and then the verdict.
+    QStringList Retries;
+    for (const QString& Text : ShownTexts()) {
+        if (Text.startsWith(QStringLiteral("Retry"))) {
+            Retries << Text;
+        }
+    }
+    QStringList Expected;
+    for (int Attempt = 1; Attempt <= 20; ++Attempt) {
+        Expected << QStringLiteral("Retry %1").arg(Attempt);
+    }
+    EXPECT_EQ(Retries, Expected);
+    EXPECT_EQ(ShownTexts().last(), QStringLiteral("No Communications"));
     EXPECT_EQ(DtrRises(), 60);
     EXPECT_EQ(Line->SentBytes(), QByteArray(40, '\x01'));
     // Each attempt waits out its 0.195 s, pulses and sync bytes included.
