@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "editor/EditBoxModuleWindow.h"
 #include "frame/CommandLineInterpreter.h"
 #include "frame/ErrorDisplay.h"
 #include "link/frmDownloader.h"
@@ -54,6 +55,7 @@ int main(int argc, char** argv) {
     }
     ClipboardService::Install(std::make_unique<QtClipboardService>());
     ProjectModel::RegisterWithFrame();
+    ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
     // The "simulated chip" port entry: the whole system runs without hardware.
     const auto SimulatedChip = std::make_shared<SimulatedSerialLine>();
     SimulatedSerialLine::InstallAsSimulatedChip(SimulatedChip);

@@ -430,8 +430,9 @@ void frmDownloader::ShowEditorAndOpenProject(const QString&, const QString&, con
     // Not yet: frmSourceEditor comes with the editor's main window.
 }
 
-void frmDownloader::OpenProject(const QString&, const QString&, const QString&) {
-    // Not yet: opening a project comes with the project model.
+void frmDownloader::OpenProject(const QString& Path, const QString& Name,
+                                const QString& Extension) {
+    Project().OpenProject(Path, Name, Extension, false);
 }
 
 void frmDownloader::CompileAll() {

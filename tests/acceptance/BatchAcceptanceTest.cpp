@@ -27,6 +27,7 @@ class BatchAcceptance : public ::testing::Test {
         Touch(Install + QStringLiteral("/BinKV10/SymbolKV10.sym"));
         Touch(Install + QStringLiteral("/BinKV20/SymbolKV20.sym"));
         Touch(Work + QStringLiteral("/blink.kvp"), "blink.bas\r\n");
+        Touch(Work + QStringLiteral("/blink.bas"), "Option Explicit\r\n");
         Touch(Work + QStringLiteral("/blink.prf"), QByteArray(14 * 615, '\0'));
         WriteSettings(Install);
     }
@@ -111,6 +112,21 @@ TEST_F(BatchAcceptance, CompileOfAProjectInTheWorkPathLogsItsFullNameAndDone) {
               (QStringList{QStringLiteral("Command line:  blink /C"), QString(),
                            QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
                            QStringLiteral("Done.")}));
+}
+
+TEST_F(BatchAcceptance, CompileLoadsTheProjectAndLogsAModuleThatWontOpen) {
+    Touch(Work + QStringLiteral("/bad.kvp"), "blink.bas\r\n1abc.bas\r\n");
+    Touch(Work + QStringLiteral("/bad.prf"), QByteArray(14 * 615, '\0'));
+    Touch(Work + QStringLiteral("/1abc.bas"), "x");
+    Touch(Work + QStringLiteral("/bad.kvb"), QByteArray(10, '\0'));
+    Run({QStringLiteral("bad"), QStringLiteral("/c"), QStringLiteral("/d")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  bad /c /d"), QString(),
+                           QStringLiteral("Module name 1abc not legal identifier"),
+                           QStringLiteral("Unable to open module: 1abc.bas"),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/bad.kvp"),
+                           QStringLiteral("Done.")}))
+        << "the logged error stops the download";
 }
 
 TEST_F(BatchAcceptance, MissingProjectIsLoggedWithoutDone) {
