@@ -1,18 +1,38 @@
 #include "editor/EditBoxModuleWindow.h"
 
+#include <QMdiArea>
+#include <QMdiSubWindow>
+
+#include "editor/frmSourceEditor.h"
+#include "platform/Global.h"
+
 EditBoxModuleWindow::EditBoxModuleWindow() : Window_(new frmEditBoxType) {}
 
 EditBoxModuleWindow::~EditBoxModuleWindow() {
-    if (Window_) {
-        Window_->SetAllowRemoval(true);
-        Window_->close();
-        delete Window_;
+    if (!Window_) {
+        return;
     }
+    Window_->SetAllowRemoval(true);
+    // In the editor's area the child window goes with its frame.
+    if (auto* Sub = qobject_cast<QMdiSubWindow*>(Window_->parentWidget())) {
+        delete Sub;
+        return;
+    }
+    Window_->close();
+    delete Window_;
 }
 
 void EditBoxModuleWindow::Initialize(const QString& Name, int16_t Number,
                                      const QString& SourceCode) {
     Window_->Initialize(Name, Number, SourceCode);
+    // The editor's area holds the module windows; without the editor a
+    // window stands alone (a batch's project).
+    if (Global<frmSourceEditor>::IsLoaded()) {
+        QMdiSubWindow* Sub = Global<frmSourceEditor>::Get().mdiArea->addSubWindow(Window_);
+        Sub->show();
+        Global<frmSourceEditor>::Get().mdiArea->setActiveSubWindow(Sub);
+        return;
+    }
     Window_->show();
 }
 
@@ -23,7 +43,9 @@ void EditBoxModuleWindow::SetCaption(const QString& Caption) { Window_->setWindo
 void EditBoxModuleWindow::SetAllowRemoval(bool Allow) { Window_->SetAllowRemoval(Allow); }
 
 int32_t EditBoxModuleWindow::WindowState() const {
-    const Qt::WindowStates State = Window_->windowState();
+    const QWidget* Frame =
+        Window_->parentWidget() != nullptr ? Window_->parentWidget() : Window_.data();
+    const Qt::WindowStates State = Frame->windowState();
     if (State & Qt::WindowMinimized) {
         return 1;
     }
@@ -31,12 +53,20 @@ int32_t EditBoxModuleWindow::WindowState() const {
 }
 
 void EditBoxModuleWindow::SetWindowState(int32_t State) {
-    Window_->setWindowState(State == 1   ? Qt::WindowMinimized
-                            : State == 2 ? Qt::WindowMaximized
-                                         : Qt::WindowNoState);
+    QWidget* Frame = Window_->parentWidget() != nullptr ? Window_->parentWidget() : Window_.data();
+    Frame->setWindowState(State == 1   ? Qt::WindowMinimized
+                          : State == 2 ? Qt::WindowMaximized
+                                       : Qt::WindowNoState);
 }
 
-void EditBoxModuleWindow::FocusEditControl() { Window_->rtfEditBox->setFocus(); }
+void EditBoxModuleWindow::FocusEditControl() {
+    if (auto* Sub = qobject_cast<QMdiSubWindow*>(Window_->parentWidget())) {
+        if (QMdiArea* Area = Sub->mdiArea()) {
+            Area->setActiveSubWindow(Sub);
+        }
+    }
+    Window_->rtfEditBox->setFocus();
+}
 int32_t EditBoxModuleWindow::TextLength() const { return Window_->RichText().TextLength(); }
 
 void EditBoxModuleWindow::Select(int32_t Start, int32_t Length) {

@@ -8,6 +8,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/DumpManager.h"
 #include "frame/ErrorDisplay.h"
@@ -28,7 +29,21 @@
 
 namespace {
 bool ProcessEnded = false;
-EditorShutdownHandler* EditorShutdown = nullptr;
+
+// The editor's own shutdown, as the downloader's close asks it.
+class SourceEditorShutdown : public EditorShutdownHandler {
+  public:
+    void ProcessExit(bool& CancelUnload) override {
+        CancelUnload = false;
+        if (Global<frmSourceEditor>::IsLoaded()) {
+            Global<frmSourceEditor>::Get().ProcessExit(CancelUnload);
+        }
+    }
+    void UnloadEditor() override { Global<frmSourceEditor>::Unload(); }
+};
+
+SourceEditorShutdown TheSourceEditorShutdown;
+EditorShutdownHandler* EditorShutdown = &TheSourceEditorShutdown;
 
 QIcon ThemeIcon(const char* Name, QStyle::StandardPixmap Fallback) {
     return QIcon::fromTheme(QString::fromLatin1(Name),
@@ -65,6 +80,9 @@ frmDownloader::frmDownloader() {
 
 frmDownloader::~frmDownloader() {
     GlobalData::SetEditorButtonHandler({});
+    if (Global<frmSourceEditor>::IsLoaded()) {
+        Global<frmSourceEditor>::Get().DisplayKvbHook = nullptr;
+    }
     CommandLineInterpreter::SetHost(nullptr);
 }
 
@@ -312,7 +330,7 @@ bool frmDownloader::ProcessHasEnded() { return ProcessEnded; }
 void frmDownloader::ResetProcessEnded() { ProcessEnded = false; }
 
 void frmDownloader::SetEditorShutdownHandler(EditorShutdownHandler* Handler) {
-    EditorShutdown = Handler;
+    EditorShutdown = Handler != nullptr ? Handler : &TheSourceEditorShutdown;
 }
 
 void frmDownloader::closeEvent(QCloseEvent* Event) {
@@ -362,7 +380,18 @@ void frmDownloader::OpenEditor() {
     StatusBarPanels[4]->clear();
     Global<ProjectType>::Unload();
     Project();
-    // Not yet: frmSourceEditor comes with the editor's main window.
+    ShowEditor();
+}
+
+frmSourceEditor& frmDownloader::ShowEditor() {
+    frmSourceEditor& Editor = Global<frmSourceEditor>::Get();
+    Editor.DisplayKvbHook = [this](const QString& Filename) { DisplayKVBfilename(Filename); };
+    Editor.show();
+    return Editor;
+}
+
+void frmDownloader::DisplayKVBfilename(const QString& Filename) {
+    StatusBarPanels[4]->setText(Filename);
 }
 
 void frmDownloader::mnuSetWorkingDirectory_Click() {
@@ -426,8 +455,9 @@ void frmDownloader::cmdResetCPU_Click() {
     // Not yet: resetting the chip comes with the serial chip link.
 }
 
-void frmDownloader::ShowEditorAndOpenProject(const QString&, const QString&, const QString&) {
-    // Not yet: frmSourceEditor comes with the editor's main window.
+void frmDownloader::ShowEditorAndOpenProject(const QString& Path, const QString& Name,
+                                             const QString& Extension) {
+    ShowEditor().OpenProject(Path, Name, Extension, false);
 }
 
 void frmDownloader::OpenProject(const QString& Path, const QString& Name,

@@ -39,6 +39,8 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void InitializeChipType();
     void SaveGeometry();
     void ClearComError();
+    // Panel 5 shows the image's file name.
+    void DisplayKVBfilename(const QString& Filename);
     // The window's geometry in twips.
     FormGeometry CurrentGeometry() const;
 
@@ -116,6 +118,7 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void BuildToolBar();
     void BuildStatusBar();
     void OpenEditor();
+    class frmSourceEditor& ShowEditor();
     void EndProcess();
 
     bool ComErrorLatched = false;

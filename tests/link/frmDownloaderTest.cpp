@@ -2,6 +2,8 @@
 #include <QSignalSpy>
 #include <stdexcept>
 
+#include "editor/EditBoxModuleWindow.h"
+#include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/DumpManager.h"
 #include "frame/GlobalData.h"
@@ -49,6 +51,8 @@ class DownloaderTest : public FrameFixture {
         frmDownloader::SetEditorShutdownHandler(nullptr);
         GlobalData::SetEditorIsOpen(false);
         Global<frmSplash>::Unload();
+        Global<ProjectType>::Unload();
+        Global<frmSourceEditor>::Unload();
         Global<frmDownloader>::Unload();
         Global<ProjectType>::Unload();
         frmDownloader::ResetProcessEnded();
@@ -108,6 +112,26 @@ TEST_F(DownloaderTest, CommandLineStartShowsNoSplash) {
     EXPECT_FALSE(Global<frmSplash>::IsLoaded());
     EXPECT_EQ(Clock->SleepCalls, 0) << "no splash second with a command line";
     EXPECT_EQ(Clock->NowMs, 0);
+}
+
+TEST_F(DownloaderTest, ProjectNameOnTheCommandLineOpensTheEditorWithItsModules) {
+    WriteFile(QStringLiteral("lamp.kvp"), "main.bas\r\nled.bas\r\n");
+    WriteFile(QStringLiteral("main.bas"), "Option Explicit\r\n");
+    WriteFile(QStringLiteral("led.bas"), "x = 1");
+    WriteFile(QStringLiteral("lamp.prf"), QByteArray(8610, '\0'));
+    ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
+    CommandLineInterpreter::SetCommandLine(QStringLiteral("lamp"));
+    frmDownloader& Window = Load();
+    ASSERT_TRUE(Global<frmSourceEditor>::IsLoaded());
+    frmSourceEditor& Editor = Global<frmSourceEditor>::Get();
+    EXPECT_TRUE(Editor.isVisible());
+    EXPECT_EQ(Editor.windowTitle(), QStringLiteral("Kavlin Editor - lamp"));
+    EXPECT_EQ(Editor.mdiArea->subWindowList().size(), 2);
+    EXPECT_EQ(Editor.tabEditTabStrip->count(), 2);
+    EXPECT_FALSE(frmDownloader::ProcessHasEnded());
+    EXPECT_FALSE(Window.ToolBarButton(QStringLiteral("Editor"))->isEnabled());
+    EXPECT_EQ(Window.StatusBarPanels[4]->text(), TempPath() + QStringLiteral("/lamp.kvb"));
+    ModuleEditWindow::SetFactory(nullptr);
 }
 
 TEST_F(DownloaderTest, StoredKv10DisablesRescueAndAtnDiagnostic) {

@@ -1,0 +1,719 @@
+#include "editor/frmSourceEditor.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "editor/frmEditBoxType.h"
+#include "frame/DirectoryCentral.h"
+#include "frame/ErrorDisplay.h"
+#include "frame/ExceptionTypes.h"
+#include "frame/GlobalData.h"
+#include "frame/RegistryCentral.h"
+#include "frame/TwipsConversion.h"
+#include "frame/UtilitiesFilename.h"
+#include "frame/frmAbout.h"
+#include "frame/frmWorkPathDefinition.h"
+#include "link/DownloadPortExecutive.h"
+#include "platform/FileDialogService.h"
+#include "platform/Global.h"
+#include "project/ProjectType.h"
+#include "project/RecentProjects.h"
+
+namespace {
+QIcon ThemeIcon(const char* Name, QStyle::StandardPixmap Fallback) {
+    return QIcon::fromTheme(QString::fromLatin1(Name),
+                            QApplication::style()->standardIcon(Fallback));
+}
+
+constexpr int MinimumToolBarTwips = 4410;
+}  // namespace
+
+frmSourceEditor::frmSourceEditor() {
+    setObjectName(QStringLiteral("frmSourceEditor"));
+    auto* Central = new QWidget(this);
+    auto* Layout = new QVBoxLayout(Central);
+    Layout->setContentsMargins(0, 0, 0, 0);
+    Layout->setSpacing(0);
+    tabEditTabStrip = new QTabBar(Central);
+    tabEditTabStrip->setObjectName(QStringLiteral("tabEditTabStrip"));
+    tabEditTabStrip->setExpanding(false);
+    mdiArea = new QMdiArea(Central);
+    mdiArea->setObjectName(QStringLiteral("mdiArea"));
+    Layout->addWidget(tabEditTabStrip);
+    Layout->addWidget(mdiArea, 1);
+    setCentralWidget(Central);
+    BuildMenus();
+    BuildToolBar();
+    connect(tabEditTabStrip, &QTabBar::currentChanged, this,
+            &frmSourceEditor::tabEditTabStrip_Click);
+    SourceEditorHost::Install(this);
+    ProjectEditorHost::Install(this);
+    // MDIForm_Load.
+    InitializeEditor();
+    InitializeRecentProjectList();
+}
+
+frmSourceEditor::~frmSourceEditor() {
+    if (SourceEditorHost::Instance() == this) {
+        SourceEditorHost::Install(nullptr);
+    }
+    if (ProjectEditorHost::Instance() == this) {
+        ProjectEditorHost::Install(nullptr);
+    }
+    GlobalData::SetEditorIsOpen(false);
+}
+
+void frmSourceEditor::BuildMenus() {
+    auto Entry = [this](QMenu* Menu, QAction*& Action, const char* Name, const char* Caption,
+                        const char* Shortcut = nullptr) {
+        Action = Menu->addAction(QString::fromLatin1(Caption));
+        Action->setObjectName(QString::fromLatin1(Name));
+        if (Shortcut != nullptr) {
+            Action->setShortcut(QKeySequence(QString::fromLatin1(Shortcut)));
+        }
+        return Action;
+    };
+    mnuFile = menuBar()->addMenu(QStringLiteral("&File"));
+    mnuFile->setObjectName(QStringLiteral("File"));
+    Entry(mnuFile, mnuNewProject, "mnuNewProject", "&New Project");
+    Entry(mnuFile, mnuOpenProject, "mnuOpenProject", "&Open Project");
+    Entry(mnuFile, mnuSaveProject, "mnuSaveProject", "Sa&ve Project");
+    Entry(mnuFile, mnuSaveProjectAs, "mnuSaveProjectAs", "Sav&e Project As...");
+    Entry(mnuFile, mnuCloseProject, "mnuCloseProject", "&Close Project");
+    mnuFile->addSeparator();
+    Entry(mnuFile, mnuSaveModule, "mnuSaveModule", "&Save Module");
+    Entry(mnuFile, mnuSaveModuleAs, "mnuSaveModuleAs", "Save Module &As...");
+    mnuFile->addSeparator();
+    Entry(mnuFile, mnuSetWorkingDirectory, "mnuSetWorkingDirectory", "Set Starting &Directory");
+    mnuFile->addSeparator();
+    for (int Index = 1; Index <= 4; ++Index) {
+        QAction* Recent = mnuFile->addAction(QString());
+        Recent->setObjectName(QStringLiteral("mnuOpenRecentProject%1").arg(Index));
+        Recent->setVisible(false);
+        connect(Recent, &QAction::triggered, this,
+                [this, Index] { mnuOpenRecentProject_Click(Index); });
+        mnuOpenRecentProject << Recent;
+    }
+    mnuLine4 = mnuFile->addSeparator();
+    mnuLine4->setObjectName(QStringLiteral("mnuLine4"));
+    Entry(mnuFile, mnuExit, "mnuExit", "E&xit");
+
+    mnuEdit = menuBar()->addMenu(QStringLiteral("&Edit"));
+    mnuEdit->setObjectName(QStringLiteral("mnuEdit"));
+    Entry(mnuEdit, mnuEditCut, "mnuEditCut", "Cu&t", "Ctrl+X");
+    Entry(mnuEdit, mnuEditCopy, "mnuEditCopy", "&Copy", "Ctrl+C");
+    Entry(mnuEdit, mnuEditPaste, "mnuEditPaste", "&Paste", "Ctrl+V");
+    Entry(mnuEdit, mnuEditDelete, "mnuEditDelete", "&Delete", "Del");
+    Entry(mnuEdit, mnuEditSelectAll, "mnuEditSelectAll", "Select &All", "Ctrl+A");
+    mnuEdit->addSeparator();
+    Entry(mnuEdit, mnuFindFirst, "mnuFindFirst", "&Find...", "Ctrl+F");
+    Entry(mnuEdit, mnuFindNext, "mnuFindNext", "Find &Next", "F3");
+    Entry(mnuEdit, mnuSearchAndReplace, "mnuSearchAndReplace", "R&eplace...", "Ctrl+H");
+    // The edit box's own keys act first; the menu's shortcuts stay for show.
+    for (QAction* Action : mnuEdit->actions()) {
+        Action->setShortcutContext(Qt::WidgetShortcut);
+    }
+
+    mnuCompileMenu = menuBar()->addMenu(QStringLiteral("&Compile"));
+    mnuCompileMenu->setObjectName(QStringLiteral("Compile"));
+    Entry(mnuCompileMenu, mnuCompile, "mnuCompile", "&Compile", "F4");
+    Entry(mnuCompileMenu, mnuCompileAndRun, "mnuCompileAndRun", "Compile and &Run", "F5");
+    Entry(mnuCompileMenu, mnuCompileStatus, "mnuCompileStatus", "Compile &Status");
+    mnuOptions = menuBar()->addMenu(QStringLiteral("&Options"));
+    mnuOptions->setObjectName(QStringLiteral("mnuOptions"));
+    Entry(mnuOptions, mnuProcessorOptions, "mnuProcessorOptions", "&Processor");
+    Entry(mnuOptions, mnuEnvironmentOptions, "mnuEnvironmentOptions", "&Environment");
+    mnuProject = menuBar()->addMenu(QStringLiteral("&Project"));
+    mnuProject->setObjectName(QStringLiteral("mnuProject"));
+    Entry(mnuProject, mnuChipDialog, "mnuChipDialog", "&Chip");
+    Entry(mnuProject, mnuProjectFiles, "mnuProjectFiles", "&Files");
+    Entry(mnuProject, mnuWatchWindow, "mnuWatchWindow", "&Watch Window");
+    mnuWindow = menuBar()->addMenu(QStringLiteral("&Window"));
+    mnuWindow->setObjectName(QStringLiteral("mnuWindow"));
+    Entry(mnuWindow, mnuWindowCascade, "mnuWindowCascade", "&Cascade");
+    Entry(mnuWindow, mnuWindowTileHorizontal, "mnuWindowTileHorizontal", "Tile &Horizontal");
+    Entry(mnuWindow, mnuWindowTileVertical, "mnuWindowTileVertical", "Tile &Vertical");
+    mnuAbout = menuBar()->addAction(QStringLiteral("&About"));
+    mnuAbout->setObjectName(QStringLiteral("mnuAbout"));
+
+    connect(mnuNewProject, &QAction::triggered, this, &frmSourceEditor::mnuNewProject_Click);
+    connect(mnuOpenProject, &QAction::triggered, this, &frmSourceEditor::mnuOpenProject_Click);
+    connect(mnuSaveProject, &QAction::triggered, this, &frmSourceEditor::mnuSaveProject_Click);
+    connect(mnuSaveProjectAs, &QAction::triggered, this, &frmSourceEditor::mnuSaveProjectAs_Click);
+    connect(mnuCloseProject, &QAction::triggered, this, &frmSourceEditor::mnuCloseProject_Click);
+    connect(mnuSaveModule, &QAction::triggered, this, &frmSourceEditor::mnuSaveModule_Click);
+    connect(mnuSaveModuleAs, &QAction::triggered, this, &frmSourceEditor::mnuSaveModuleAs_Click);
+    connect(mnuSetWorkingDirectory, &QAction::triggered, this,
+            &frmSourceEditor::mnuSetWorkingDirectory_Click);
+    connect(mnuExit, &QAction::triggered, this, &frmSourceEditor::mnuExit_Click);
+    connect(mnuEditCut, &QAction::triggered, this, &frmSourceEditor::mnuEditCut_Click);
+    connect(mnuEditCopy, &QAction::triggered, this, &frmSourceEditor::mnuEditCopy_Click);
+    connect(mnuEditPaste, &QAction::triggered, this, &frmSourceEditor::mnuEditPaste_Click);
+    connect(mnuEditDelete, &QAction::triggered, this, &frmSourceEditor::mnuEditDelete_Click);
+    connect(mnuEditSelectAll, &QAction::triggered, this, &frmSourceEditor::mnuEditSelectAll_Click);
+    connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
+    connect(mnuWindowCascade, &QAction::triggered, mdiArea, &QMdiArea::cascadeSubWindows);
+    connect(mnuWindowTileHorizontal, &QAction::triggered, mdiArea, &QMdiArea::tileSubWindows);
+    connect(mnuWindowTileVertical, &QAction::triggered, mdiArea, &QMdiArea::tileSubWindows);
+    connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
+    // Not yet: find and replace, compile, compile status, the options, chip,
+    // project files and watch window dialogs come with their own parts.
+}
+
+void frmSourceEditor::BuildToolBar() {
+    barEditorToolbar = addToolBar(QStringLiteral("barEditorToolbar"));
+    barEditorToolbar->setObjectName(QStringLiteral("barEditorToolbar"));
+    barEditorToolbar->setMovable(false);
+    struct Button {
+        const char* Key;
+        const char* ToolTip;
+        const char* Icon;
+        QStyle::StandardPixmap Fallback;
+    };
+    const Button Buttons[] = {
+        {"NewProject", "New Project", "document-new", QStyle::SP_FileIcon},
+        {"OpenProject", "Open Project", "document-open", QStyle::SP_DialogOpenButton},
+        {"CloseProject", "Close Project", "document-close", QStyle::SP_DialogCloseButton},
+        {"SaveProject", "Save Project", "document-save", QStyle::SP_DialogSaveButton},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {"Cut", "Cut", "edit-cut", QStyle::SP_ArrowRight},
+        {"Copy", "Copy", "edit-copy", QStyle::SP_FileDialogNewFolder},
+        {"Paste", "Paste", "edit-paste", QStyle::SP_FileDialogContentsView},
+        {"Find", "Find", "edit-find", QStyle::SP_FileDialogDetailedView},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {"CompileAndRun", "Compile and Run", "media-playback-start", QStyle::SP_MediaPlay},
+        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+        {"ChipDialog", "Chip Dialog", "preferences-system", QStyle::SP_ComputerIcon},
+        {"ProjectFiles", "Project Files", "folder", QStyle::SP_DirIcon},
+    };
+    for (const Button& B : Buttons) {
+        if (B.Key == nullptr) {
+            ToolBarButtons << barEditorToolbar->addSeparator();
+            continue;
+        }
+        const QString Key = QString::fromLatin1(B.Key);
+        QAction* Action = barEditorToolbar->addAction(ThemeIcon(B.Icon, B.Fallback), Key);
+        Action->setObjectName(QStringLiteral("barEditorToolbar_") + Key);
+        Action->setData(Key);
+        Action->setToolTip(QString::fromLatin1(B.ToolTip));
+        connect(Action, &QAction::triggered, this,
+                [this, Key] { barEditorToolbar_ButtonClick(Key); });
+        ToolBarButtons << Action;
+    }
+    barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
+}
+
+QAction* frmSourceEditor::ToolBarButton(const QString& Key) const {
+    for (QAction* Action : ToolBarButtons) {
+        if (Action->data().toString() == Key) {
+            return Action;
+        }
+    }
+    return nullptr;
+}
+
+void frmSourceEditor::InitializeEditor() {
+    TabClickArmed = true;
+    GlobalData::SetEditorIsOpen(true);
+    DisplayProjectName(QString());
+    RestoreGeometry();
+    InitializeStatusBar();
+    WarningDescription.clear();
+    CompileStatus.clear();
+    ConfigureMenus(false);
+}
+
+void frmSourceEditor::InitializeStatusBar() {
+    statusBar()->setObjectName(QStringLiteral("sbrStatus"));
+    for (int Index = 1; Index <= 4; ++Index) {
+        auto* Panel = new QLabel(this);
+        Panel->setObjectName(QStringLiteral("sbrStatus_Panel%1").arg(Index));
+        Panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        statusBar()->addWidget(Panel, Index == 4 ? 1 : 0);
+        sbrStatus << Panel;
+    }
+    sbrStatus[2]->setMinimumWidth(80);
+    DisplayCursor(1, 1);
+    InsertMode(true);
+}
+
+void frmSourceEditor::RestoreGeometry() {
+    using namespace TwipsConversion;
+    FormGeometry Geometry;
+    RegistryCentral::RegistryGetEditorGeometry(Geometry);
+    Geometry.ClampNegative();
+    Geometry.ClampToScreen(ScreenWidthTwips(), ScreenHeightTwips());
+    move(TwipsToPixelsX(Geometry.Left), TwipsToPixelsY(Geometry.Top));
+    resize(TwipsToPixelsX(Geometry.Width), TwipsToPixelsY(Geometry.Height));
+    RestoredGeometry = Geometry;
+    RestoredPixels = QRect(pos(), size());
+}
+
+FormGeometry frmSourceEditor::CurrentGeometry() const {
+    using namespace TwipsConversion;
+    FormGeometry Geometry;
+    Geometry.Top =
+        pos().y() == RestoredPixels.y() ? RestoredGeometry.Top : PixelsToTwipsY(pos().y());
+    Geometry.Left =
+        pos().x() == RestoredPixels.x() ? RestoredGeometry.Left : PixelsToTwipsX(pos().x());
+    Geometry.Width =
+        width() == RestoredPixels.width() ? RestoredGeometry.Width : PixelsToTwipsX(width());
+    Geometry.Height =
+        height() == RestoredPixels.height() ? RestoredGeometry.Height : PixelsToTwipsY(height());
+    return Geometry;
+}
+
+void frmSourceEditor::DisplayProjectName(const QString& Name) {
+    setWindowTitle(Name.isEmpty() ? QStringLiteral("Kavlin Editor")
+                                  : QStringLiteral("Kavlin Editor - ") + Name);
+}
+
+void frmSourceEditor::ConfigureMenus(bool ProjectIsOpen) {
+    const QList<QAction*> ProjectEntries = {
+        mnuSaveProject,      mnuSaveProjectAs, mnuCloseProject,  mnuSaveModule, mnuSaveModuleAs,
+        mnuCompile,          mnuCompileAndRun, mnuCompileStatus, mnuEditCut,    mnuEditCopy,
+        mnuEditPaste,        mnuEditDelete,    mnuEditSelectAll, mnuFindFirst,  mnuFindNext,
+        mnuSearchAndReplace, mnuChipDialog,    mnuProjectFiles,  mnuWatchWindow};
+    for (QAction* Action : ProjectEntries) {
+        Action->setEnabled(ProjectIsOpen);
+    }
+    for (int Place : {3, 4, 6, 7, 8, 9, 11, 13, 14}) {
+        ToolBarButtons[Place - 1]->setEnabled(ProjectIsOpen);
+    }
+    if (!ProjectIsOpen) {
+        mnuOpenProject->setEnabled(true);
+        mnuExit->setEnabled(true);
+        ClearAllTabs();
+    }
+}
+
+// ---- Tabs, caret, mode -------------------------------------------------------
+
+void frmSourceEditor::ClearAllTabs() {
+    TabClickArmed = false;
+    while (tabEditTabStrip->count() > 0) {
+        tabEditTabStrip->removeTab(0);
+    }
+    TabClickArmed = true;
+}
+
+void frmSourceEditor::AddNewTab(const QString& ModuleName) {
+    TabClickArmed = false;
+    tabEditTabStrip->addTab(ModuleName);
+    TabClickArmed = true;
+    // A new module comes to the front.
+    Project().ActivateModule(static_cast<int16_t>(tabEditTabStrip->count()));
+}
+
+void frmSourceEditor::ActivateTab(int16_t ModuleNumber) {
+    TabClickArmed = false;
+    if (ModuleNumber >= 1 && ModuleNumber <= tabEditTabStrip->count()) {
+        tabEditTabStrip->setCurrentIndex(ModuleNumber - 1);
+    } else {
+        ErrorDisplay::ProbeError(QStringLiteral("Error_1 in frmSourceEditor.ActivateTab"));
+    }
+    TabClickArmed = true;
+}
+
+void frmSourceEditor::tabEditTabStrip_Click(int Index) {
+    if (!TabClickArmed || Index < 0) {
+        return;
+    }
+    Project().ActivateModule(static_cast<int16_t>(Index + 1));
+}
+
+void frmSourceEditor::DisplayCursor(int32_t LineNumber, int32_t ColumnNumber) {
+    if (sbrStatus.size() > 0) {
+        sbrStatus[0]->setText(
+            QStringLiteral("Line: %1, Col: %2").arg(LineNumber).arg(ColumnNumber));
+    }
+}
+
+void frmSourceEditor::InsertMode(bool NewMode) {
+    if (sbrStatus.size() > 1) {
+        sbrStatus[1]->setText(NewMode ? QStringLiteral("INS") : QStringLiteral("OVR"));
+    }
+}
+
+void frmSourceEditor::DisplayKVBfilename(const QString& Filename) {
+    if (DisplayKvbHook) {
+        DisplayKvbHook(Filename);
+    }
+}
+
+// ---- Active child -------------------------------------------------------------
+
+frmEditBoxType* frmSourceEditor::ActiveEditBox() const {
+    QMdiSubWindow* Sub = mdiArea->activeSubWindow();
+    return Sub != nullptr ? qobject_cast<frmEditBoxType*>(Sub->widget()) : nullptr;
+}
+
+int16_t frmSourceEditor::ActiveModuleNumber() {
+    frmEditBoxType* Box = ActiveEditBox();
+    return Box != nullptr ? Box->Model().ModuleNumber() : 0;
+}
+
+void frmSourceEditor::mnuEditCut_Click() {
+    if (frmEditBoxType* Box = ActiveEditBox()) {
+        Box->Model().EditCut();
+    }
+}
+
+void frmSourceEditor::mnuEditCopy_Click() {
+    if (frmEditBoxType* Box = ActiveEditBox()) {
+        Box->Model().EditCopy();
+    }
+}
+
+void frmSourceEditor::mnuEditPaste_Click() {
+    if (frmEditBoxType* Box = ActiveEditBox()) {
+        Box->Model().EditPaste();
+    }
+}
+
+void frmSourceEditor::mnuEditDelete_Click() {
+    if (frmEditBoxType* Box = ActiveEditBox()) {
+        Box->Model().EditDelete();
+    }
+}
+
+void frmSourceEditor::mnuEditSelectAll_Click() {
+    if (frmEditBoxType* Box = ActiveEditBox()) {
+        Box->Model().EditSelectAll();
+    }
+}
+
+// ---- Recent projects ---------------------------------------------------------
+
+void frmSourceEditor::InitializeRecentProjectList() {
+    for (QAction* Recent : mnuOpenRecentProject) {
+        Recent->setVisible(false);
+    }
+    mnuLine4->setVisible(false);
+    RecentProjects::LoadList();
+    for (int16_t Index = 1; Index <= 4 && !RecentProjects::GetProject(Index).isEmpty(); ++Index) {
+        mnuLine4->setVisible(true);
+        QString Path;
+        QString Name;
+        QString Extension;
+        UtilitiesFilename::SplitFilename(RecentProjects::GetProject(Index), Path, Name, Extension);
+        QString Caption = QStringLiteral("..\\") + Name;
+        if (Caption.size() > 25) {
+            Caption = Caption.left(25) + QStringLiteral("...");
+        }
+        mnuOpenRecentProject[Index - 1]->setText(QStringLiteral("&%1 ").arg(Index) + Caption);
+        mnuOpenRecentProject[Index - 1]->setVisible(true);
+    }
+}
+
+// ---- Prompts and exit --------------------------------------------------------
+
+void frmSourceEditor::PromptToSaveModules(bool AutoSave, bool& Success) {
+    Success = true;
+    ProjectType& Current = Project();
+    if (!Current.IsDefined()) {
+        return;
+    }
+    if (AutoSave && RegistryCentral::RegistryGetSaveFile()) {
+        Current.SaveAll();
+        return;
+    }
+    for (int16_t Number = 1; Number <= Current.ModuleCount(); ++Number) {
+        if (!Current.HasChanged(Number)) {
+            continue;
+        }
+        const QString Name = Current.ModuleList().GetModule(Number)->Name();
+        const int Answer = ErrorDisplay::AskYesNoCancel(
+            QStringLiteral("Save changes to ") + Name + QStringLiteral("?"),
+            QStringLiteral("Save Module"));
+        if (Answer == 2) {
+            Success = false;
+            return;
+        }
+        if (Answer == 6) {
+            Current.SaveModule(Number);
+        }
+    }
+}
+
+void frmSourceEditor::ProcessExit(bool& CancelUnload) {
+    bool Success = false;
+    PromptToSaveModules(false, Success);
+    CancelUnload = !Success;
+    if (CancelUnload) {
+        return;
+    }
+    SaveGeometry();
+    Global<ProjectType>::Unload();
+}
+
+void frmSourceEditor::SaveGeometry() {
+    RegistryCentral::RegistrySaveEditorGeometry(CurrentGeometry());
+    if (Project().ModuleCount() > 0) {
+        bool Maximized = false;
+        Project().AreWindowsMaximized(Maximized);
+        RegistryCentral::RegistrySaveChildWindowsMaximized(Maximized);
+    }
+    RecentProjects::SaveList();
+}
+
+void frmSourceEditor::mnuExit_Click() {
+    bool CancelUnload = false;
+    ProcessExit(CancelUnload);
+    if (!CancelUnload) {
+        ExitConfirmed = true;
+        close();
+    }
+}
+
+void frmSourceEditor::closeEvent(QCloseEvent* Event) {
+    if (!ExitConfirmed) {
+        bool CancelUnload = false;
+        ProcessExit(CancelUnload);
+        if (CancelUnload) {
+            Event->ignore();
+            return;
+        }
+    }
+    ExitConfirmed = false;
+    Event->accept();
+    GlobalData::SetEditorIsOpen(false);
+    // Unloaded: the next use makes a fresh editor.
+    if (Global<frmSourceEditor>::IsLoaded() && &Global<frmSourceEditor>::Get() == this) {
+        Global<frmSourceEditor>::Release();
+        deleteLater();
+    }
+}
+
+void frmSourceEditor::resizeEvent(QResizeEvent* Event) {
+    QMainWindow::resizeEvent(Event);
+    barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
+}
+
+// ---- Project commands --------------------------------------------------------
+
+void frmSourceEditor::OpenProject(const QString& Path, const QString& Name,
+                                  const QString& Extension, bool IsNewProject) {
+    Global<ProjectType>::Unload();
+    Project().OpenProject(Path, Name, Extension, IsNewProject);
+    DisplayProjectName(Project().Name());
+}
+
+void frmSourceEditor::OpenProjectDialog(QString& LongFilename, bool& IsNewFile,
+                                        bool& UserCancelled) {
+    FileDialogRequest Request;
+    Request.Title = QStringLiteral("Open Project");
+    Request.InitDir = DirectoryCentral::GetWorkPath();
+    Request.Filter = QStringLiteral("Kavlin Studio Projects (*.kvp)|*.kvp");
+    Request.FilterIndex = 2;
+    UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
+    IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
+}
+
+void frmSourceEditor::SaveProjectAsDialog(const QString& Path, const QString& Filename,
+                                          QString& LongFilename, bool& IsNewFile,
+                                          bool& UserCancelled) {
+    FileDialogRequest Request;
+    Request.Title = QStringLiteral("Save Project As");
+    Request.InitDir = Path;
+    Request.FileName = Filename;
+    Request.Filter = QStringLiteral("Kavlin Studio Project (*.kvp)|*.kvp");
+    Request.FilterIndex = 2;
+    Request.Save = true;
+    try {
+        UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
+        IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
+    } catch (...) {
+        UserCancelled = true;
+        ExceptionTypes::ProcessException(6, 4);
+    }
+}
+
+void frmSourceEditor::SaveModuleAsDialog(const QString& Path, const QString& Filename,
+                                         QString& LongFilename, bool& IsNewFile,
+                                         bool& UserCancelled) {
+    FileDialogRequest Request;
+    Request.Title = QStringLiteral("Save Module As");
+    Request.InitDir = Path;
+    Request.FileName = Filename;
+    Request.Filter = QStringLiteral("Kavlin Studio Module (*.bas)|*.bas");
+    Request.FilterIndex = 2;
+    Request.Save = true;
+    try {
+        UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
+        IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
+    } catch (...) {
+        UserCancelled = true;
+        ExceptionTypes::ProcessException(6, 5);
+    }
+}
+
+void frmSourceEditor::mnuNewProject_Click() {
+    bool Success = false;
+    PromptToSaveModules(false, Success);
+    // Not yet: the new project dialog comes with the project dialogs.
+}
+
+void frmSourceEditor::mnuOpenProject_Click() {
+    bool Success = false;
+    PromptToSaveModules(false, Success);
+    if (!Success) {
+        return;
+    }
+    QString LongFilename;
+    bool IsNewFile = false;
+    bool UserCancelled = false;
+    OpenProjectDialog(LongFilename, IsNewFile, UserCancelled);
+    if (UserCancelled) {
+        return;
+    }
+    QString Path;
+    QString Name;
+    QString Extension;
+    UtilitiesFilename::SplitFilename(LongFilename, Path, Name, Extension);
+    OpenProject(Path, Name, Extension, IsNewFile);
+}
+
+void frmSourceEditor::mnuOpenRecentProject_Click(int Index) {
+    bool Success = false;
+    PromptToSaveModules(false, Success);
+    if (!Success) {
+        return;
+    }
+    const QString Filename = RecentProjects::GetProject(static_cast<int16_t>(Index));
+    if (!UtilitiesFilename::FileExists(Filename)) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Can't find project ") + Filename,
+                                       QStringLiteral("Project Missing"));
+        return;
+    }
+    QString Path;
+    QString Name;
+    QString Extension;
+    UtilitiesFilename::SplitFilename(Filename, Path, Name, Extension);
+    OpenProject(Path, Name, Extension, false);
+}
+
+void frmSourceEditor::mnuCloseProject_Click() {
+    bool Success = false;
+    PromptToSaveModules(false, Success);
+    if (!Success) {
+        return;
+    }
+    Global<ProjectType>::Unload();
+    ConfigureMenus(false);
+    DisplayProjectName(QString());
+}
+
+void frmSourceEditor::mnuSaveProject_Click() { Project().SaveAll(); }
+
+void frmSourceEditor::mnuSaveProjectAs_Click() {
+    if (!Project().IsDefined()) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("No project open"),
+                                       QStringLiteral("No Project Open"));
+        return;
+    }
+    QString LongFilename;
+    bool IsNewFile = false;
+    bool UserCancelled = false;
+    SaveProjectAsDialog(
+        Project().Path(),
+        UtilitiesFilename::MakeFilename(QString(), Project().Name(), Project().Extension()),
+        LongFilename, IsNewFile, UserCancelled);
+    if (UserCancelled) {
+        return;
+    }
+    QString Path;
+    QString Name;
+    QString Extension;
+    UtilitiesFilename::SplitFilename(LongFilename, Path, Name, Extension);
+    Project().SaveProjectAs(Path, Name, Extension);
+    DisplayProjectName(Project().Name());
+}
+
+void frmSourceEditor::mnuSaveModule_Click() {
+    const int16_t Module = ActiveModuleNumber();
+    if (!Project().IsDefined() || Project().ModuleCount() < 1 || Module < 1) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("No module open"),
+                                       QStringLiteral("No Module Open"));
+        return;
+    }
+    Project().SaveModule(Module);
+}
+
+void frmSourceEditor::mnuSaveModuleAs_Click() {
+    const int16_t Module = ActiveModuleNumber();
+    if (!Project().IsDefined() || Project().ModuleCount() < 1 || Module < 1) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("No module open"),
+                                       QStringLiteral("No Module Open"));
+        return;
+    }
+    QString Path;
+    QString Name;
+    QString Extension;
+    Project().GetModuleName(Module, Path, Name, Extension);
+    QString LongFilename;
+    bool IsNewFile = false;
+    bool UserCancelled = false;
+    SaveModuleAsDialog(Path, UtilitiesFilename::MakeFilename(Path, Name, Extension), LongFilename,
+                       IsNewFile, UserCancelled);
+    if (!UserCancelled) {
+        Project().SaveModuleAs(Module, LongFilename);
+    }
+}
+
+void frmSourceEditor::mnuSetWorkingDirectory_Click() {
+    Global<frmWorkPathDefinition>::Get().exec();
+    Global<frmWorkPathDefinition>::Unload();
+}
+
+void frmSourceEditor::mnuCompileAndRun_Click() {
+    if (!DownloadPortExecutive::DownloadPortIsOpen()) {
+        const int Answer =
+            ErrorDisplay::AskYesNoCancel(QStringLiteral("Download port is closed\nOpen port now?"),
+                                         QStringLiteral("Download port closed"));
+        if (Answer != 6) {
+            return;
+        }
+        // Not yet: the port dialogs come with the port executive; the port stays closed.
+        if (!DownloadPortExecutive::DownloadPortIsOpen()) {
+            return;
+        }
+    }
+    // Not yet: the compile and the hand-over to the downloader come with the compiler.
+}
+
+void frmSourceEditor::mnuAbout_Click() {
+    Global<frmAbout>::Get().exec();
+    Global<frmAbout>::Unload();
+}
+
+void frmSourceEditor::barEditorToolbar_ButtonClick(const QString& Key) {
+    if (Key == QStringLiteral("NewProject")) {
+        mnuNewProject_Click();
+    } else if (Key == QStringLiteral("OpenProject")) {
+        mnuOpenProject_Click();
+    } else if (Key == QStringLiteral("CloseProject")) {
+        mnuCloseProject_Click();
+    } else if (Key == QStringLiteral("SaveProject")) {
+        mnuSaveProject_Click();
+    } else if (Key == QStringLiteral("Cut")) {
+        mnuEditCut_Click();
+    } else if (Key == QStringLiteral("Copy")) {
+        mnuEditCopy_Click();
+    } else if (Key == QStringLiteral("Paste")) {
+        mnuEditPaste_Click();
+    } else if (Key == QStringLiteral("CompileAndRun")) {
+        mnuCompileAndRun_Click();
+    } else if (Key == QStringLiteral("Find") || Key == QStringLiteral("ChipDialog") ||
+               Key == QStringLiteral("ProjectFiles")) {
+        // Not yet: the search, chip and project files dialogs come with their parts.
+    } else {
+        ErrorDisplay::ProbeError(
+            QStringLiteral("Error1 in frmSourceEditor.barEditorToolbar_ButtonClick"));
+    }
+}

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <QAction>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMenu>
+#include <QTabBar>
+#include <QToolBar>
+#include <QVector>
+#include <functional>
+
+#include "editor/SourceEditorHost.h"
+#include "frame/FormGeometry.h"
+#include "project/ProjectEditorHost.h"
+
+class frmEditBoxType;
+
+// The editor's main window: the module windows in a multi-document area, a
+// tab per module, the menus and tool bar that turn commands into calls on
+// the project, and a status bar.
+class frmSourceEditor : public QMainWindow, public SourceEditorHost, public ProjectEditorHost {
+    Q_OBJECT
+  public:
+    frmSourceEditor();
+    ~frmSourceEditor() override;
+
+    QString WarningDescription;
+    QString CompileStatus;
+
+    void InitializeRecentProjectList() override;
+    void ProcessExit(bool& CancelUnload);
+    void SaveGeometry();
+    void ConfigureMenus(bool ProjectIsOpen) override;
+    int16_t ActiveModuleNumber() override;
+    void OpenProject(const QString& Path, const QString& Name, const QString& Extension,
+                     bool IsNewProject);
+    void OpenProjectDialog(QString& LongFilename, bool& IsNewFile, bool& UserCancelled);
+    void SaveProjectAsDialog(const QString& Path, const QString& Filename, QString& LongFilename,
+                             bool& IsNewFile, bool& UserCancelled);
+    void SaveModuleAsDialog(const QString& Path, const QString& Filename, QString& LongFilename,
+                            bool& IsNewFile, bool& UserCancelled);
+    void PromptToSaveModules(bool AutoSave, bool& Success);
+    void DisplayProjectName(const QString& Name);
+    FormGeometry CurrentGeometry() const;
+    // Where the image's name is shown: the downloader's status bar.
+    std::function<void(const QString&)> DisplayKvbHook;
+
+    // SourceEditorHost and ProjectEditorHost.
+    void InsertMode(bool NewMode) override;
+    void DisplayCursor(int32_t LineNumber, int32_t ColumnNumber) override;
+    void ActivateTab(int16_t ModuleNumber) override;
+    void AddNewTab(const QString& ModuleName) override;
+    void ClearAllTabs() override;
+    void DisplayKVBfilename(const QString& Filename) override;
+    void mnuEditCut_Click() override;
+    void mnuEditCopy_Click() override;
+    void mnuEditPaste_Click() override;
+    void mnuEditDelete_Click() override;
+
+    // The module windows' area.
+    QMdiArea* mdiArea;
+    QTabBar* tabEditTabStrip;
+    QToolBar* barEditorToolbar;
+    QVector<QAction*> ToolBarButtons;
+    QAction* ToolBarButton(const QString& Key) const;
+    QVector<QLabel*> sbrStatus;
+
+    QMenu* mnuFile;
+    QAction* mnuNewProject;
+    QAction* mnuOpenProject;
+    QAction* mnuSaveProject;
+    QAction* mnuSaveProjectAs;
+    QAction* mnuCloseProject;
+    QAction* mnuSaveModule;
+    QAction* mnuSaveModuleAs;
+    QAction* mnuSetWorkingDirectory;
+    QVector<QAction*> mnuOpenRecentProject;
+    QAction* mnuLine4;
+    QAction* mnuExit;
+    QMenu* mnuEdit;
+    QAction* mnuEditCut;
+    QAction* mnuEditCopy;
+    QAction* mnuEditPaste;
+    QAction* mnuEditDelete;
+    QAction* mnuEditSelectAll;
+    QAction* mnuFindFirst;
+    QAction* mnuFindNext;
+    QAction* mnuSearchAndReplace;
+    QMenu* mnuCompileMenu;
+    QAction* mnuCompile;
+    QAction* mnuCompileAndRun;
+    QAction* mnuCompileStatus;
+    QMenu* mnuOptions;
+    QAction* mnuProcessorOptions;
+    QAction* mnuEnvironmentOptions;
+    QMenu* mnuProject;
+    QAction* mnuChipDialog;
+    QAction* mnuProjectFiles;
+    QAction* mnuWatchWindow;
+    QMenu* mnuWindow;
+    QAction* mnuWindowCascade;
+    QAction* mnuWindowTileHorizontal;
+    QAction* mnuWindowTileVertical;
+    QAction* mnuAbout;
+
+  public slots:
+    void mnuExit_Click();
+    void mnuNewProject_Click();
+    void mnuOpenProject_Click();
+    void mnuOpenRecentProject_Click(int Index);
+    void mnuCloseProject_Click();
+    void mnuSaveProject_Click();
+    void mnuSaveProjectAs_Click();
+    void mnuSaveModule_Click();
+    void mnuSaveModuleAs_Click();
+    void mnuSetWorkingDirectory_Click();
+    void mnuEditSelectAll_Click();
+    void mnuCompileAndRun_Click();
+    void mnuAbout_Click();
+    void barEditorToolbar_ButtonClick(const QString& Key);
+    void tabEditTabStrip_Click(int Index);
+
+  protected:
+    void closeEvent(QCloseEvent* Event) override;
+    void resizeEvent(QResizeEvent* Event) override;
+
+  private:
+    void BuildMenus();
+    void BuildToolBar();
+    void InitializeEditor();
+    void InitializeStatusBar();
+    void RestoreGeometry();
+    frmEditBoxType* ActiveEditBox() const;
+    bool TabClickArmed = true;
+    bool ExitConfirmed = false;
+    FormGeometry RestoredGeometry;
+    QRect RestoredPixels{0, 0, -1, -1};
+};

@@ -1,0 +1,254 @@
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMdiSubWindow>
+#include <QTest>
+
+#include "editor/EditBoxModuleWindow.h"
+#include "editor/frmEditBoxType.h"
+#include "editor/frmSourceEditor.h"
+#include "frame/GlobalData.h"
+#include "frame/TwipsConversion.h"
+#include "link/frmDownloader.h"
+#include "platform/ClipboardService.h"
+#include "platform/Global.h"
+#include "project/ProjectType.h"
+#include "project/RecentProjects.h"
+#include "support/FrameFixture.h"
+#include "support/QtPrinters.h"
+#include "support/ScriptedFileDialogService.h"
+
+namespace {
+
+class SourceEditorTest : public FrameFixture {
+  protected:
+    void SetUp() override {
+        FrameFixture::SetUp();
+        auto Scripted = std::make_unique<ScriptedFileDialogService>();
+        Dialogs = Scripted.get();
+        FileDialogService::Install(std::move(Scripted));
+        ClipboardService::Install(std::make_unique<MemoryClipboardService>());
+        ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
+        WriteFile(QStringLiteral("blink.kvp"), "main.bas\r\nled.bas\r\n");
+        WriteFile(QStringLiteral("main.bas"), "Option Explicit\r\n");
+        WriteFile(QStringLiteral("led.bas"), "x = \"on\"");
+        WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
+        Editor = &Global<frmSourceEditor>::Get();
+        Editor->show();
+        Settle();
+    }
+    void TearDown() override {
+        Global<ProjectType>::Unload();
+        Global<frmSourceEditor>::Unload();
+        Global<frmDownloader>::Unload();
+        frmDownloader::ResetProcessEnded();
+        ModuleEditWindow::SetFactory(nullptr);
+        FileDialogService::Install(std::make_unique<CancellingFileDialogService>());
+        FrameFixture::TearDown();
+    }
+    static void Settle() { QCoreApplication::processEvents(); }
+    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
+    void OpenBlink() {
+        Dialogs->Answers.push_back(File(QStringLiteral("blink.kvp")));
+        Editor->mnuOpenProject->trigger();
+        Settle();
+    }
+    frmEditBoxType* Module(int Number) {
+        const QList<QMdiSubWindow*> Windows = Editor->mdiArea->subWindowList();
+        for (QMdiSubWindow* Sub : Windows) {
+            auto* Box = qobject_cast<frmEditBoxType*>(Sub->widget());
+            if (Box != nullptr && Box->Model().ModuleNumber() == Number) {
+                return Box;
+            }
+        }
+        return nullptr;
+    }
+    QStringList Tabs() const {
+        QStringList List;
+        for (int Index = 0; Index < Editor->tabEditTabStrip->count(); ++Index) {
+            List << Editor->tabEditTabStrip->tabText(Index);
+        }
+        return List;
+    }
+
+    ScriptedFileDialogService* Dialogs = nullptr;
+    frmSourceEditor* Editor = nullptr;
+};
+
+TEST_F(SourceEditorTest, WithoutAProjectOnlyOpeningNewAndExitAreReachable) {
+    EXPECT_TRUE(GlobalData::GetEditorIsOpen());
+    EXPECT_EQ(Editor->windowTitle(), QStringLiteral("Kavlin Editor"));
+    EXPECT_FALSE(Editor->mnuSaveProject->isEnabled());
+    EXPECT_FALSE(Editor->mnuSaveModule->isEnabled());
+    EXPECT_FALSE(Editor->mnuCompile->isEnabled());
+    EXPECT_TRUE(Editor->mnuOpenProject->isEnabled());
+    EXPECT_TRUE(Editor->mnuNewProject->isEnabled());
+    EXPECT_TRUE(Editor->mnuExit->isEnabled());
+    EXPECT_TRUE(Editor->ToolBarButton(QStringLiteral("NewProject"))->isEnabled());
+    EXPECT_FALSE(Editor->ToolBarButton(QStringLiteral("SaveProject"))->isEnabled());
+    EXPECT_EQ(Editor->sbrStatus[0]->text(), QStringLiteral("Line: 1, Col: 1"));
+    EXPECT_EQ(Editor->sbrStatus[1]->text(), QStringLiteral("INS"));
+}
+
+TEST_F(SourceEditorTest, OpenProjectShowsEveryModuleInItsWindowWithATab) {
+    OpenBlink();
+    ASSERT_EQ(Dialogs->Requests.size(), 1);
+    EXPECT_EQ(Dialogs->Requests[0].Title, QStringLiteral("Open Project"));
+    EXPECT_EQ(Dialogs->Requests[0].Filter, QStringLiteral("Kavlin Studio Projects (*.kvp)|*.kvp"));
+    EXPECT_EQ(Dialogs->Requests[0].InitDir, TempPath());
+    EXPECT_EQ(Editor->windowTitle(), QStringLiteral("Kavlin Editor - blink"));
+    EXPECT_EQ(Editor->mdiArea->subWindowList().size(), 2);
+    EXPECT_EQ(Tabs(), (QStringList{QStringLiteral("main"), QStringLiteral("led")}));
+    ASSERT_NE(Module(2), nullptr);
+    EXPECT_EQ(Module(2)->Text(), QStringLiteral("x = \"on\""));
+    EXPECT_TRUE(Editor->mnuSaveProject->isEnabled());
+    EXPECT_TRUE(Editor->ToolBarButton(QStringLiteral("ProjectFiles"))->isEnabled());
+}
+
+TEST_F(SourceEditorTest, TypingANewNameIntoOpenProjectMakesAnEmptyProjectWithAPreferenceFile) {
+    Dialogs->Answers.push_back(File(QStringLiteral("fresh.kvp")));
+    Editor->mnuOpenProject->trigger();
+    EXPECT_TRUE(Project().IsDefined());
+    EXPECT_EQ(Project().ModuleCount(), 0);
+    EXPECT_TRUE(QFile::exists(File(QStringLiteral("fresh.kvp"))));
+    EXPECT_EQ(QFileInfo(File(QStringLiteral("fresh.prf"))).size(), 8610);
+    EXPECT_TRUE(Boxes->Boxes.isEmpty());
+}
+
+TEST_F(SourceEditorTest, RecentEntryWhoseFileHasGoneIsReportedAndStays) {
+    const QString Gone = File(QStringLiteral("gone.kvp"));
+    SetSetting(QStringLiteral("Last_Project_1"), Gone);
+    Editor->InitializeRecentProjectList();
+    ASSERT_TRUE(Editor->mnuOpenRecentProject[0]->isVisible());
+    Editor->mnuOpenRecentProject[0]->trigger();
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Can't find project ") + Gone);
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Project Missing"));
+    EXPECT_EQ(RecentProjects::GetProject(1), Gone);
+}
+
+TEST_F(SourceEditorTest, LongProjectNameIsCutInTheRecentList) {
+    const QString Name = QStringLiteral("abcdefghijklmnopqrstuvwxyz0123");
+    ASSERT_EQ(Name.size(), 30);
+    SetSetting(QStringLiteral("Last_Project_1"), File(Name + QStringLiteral(".kvp")));
+    SetSetting(QStringLiteral("Last_Project_2"), File(QStringLiteral("blink.kvp")));
+    Editor->InitializeRecentProjectList();
+    EXPECT_EQ(Editor->mnuOpenRecentProject[0]->text(),
+              QStringLiteral("&1 ..\\abcdefghijklmnopqrstuv..."));
+    EXPECT_EQ(Editor->mnuOpenRecentProject[1]->text(), QStringLiteral("&2 ..\\blink"));
+    EXPECT_FALSE(Editor->mnuOpenRecentProject[2]->isVisible());
+    EXPECT_TRUE(Editor->mnuLine4->isVisible());
+}
+
+TEST_F(SourceEditorTest, SaveModuleWithNoActiveChildSaysNoModuleOpen) {
+    OpenBlink();
+    Editor->mdiArea->setActiveSubWindow(nullptr);
+    for (QMdiSubWindow* Sub : Editor->mdiArea->subWindowList()) {
+        Sub->showMinimized();
+    }
+    Editor->mdiArea->setActiveSubWindow(nullptr);
+    if (Editor->ActiveModuleNumber() != 0) {
+        GTEST_SKIP() << "the area keeps a child active on this platform";
+    }
+    Editor->mnuSaveModule->trigger();
+    ASSERT_FALSE(Boxes->Boxes.isEmpty());
+    EXPECT_EQ(Boxes->Boxes.back().Text, QStringLiteral("No module open"));
+    EXPECT_EQ(Boxes->Boxes.back().Title, QStringLiteral("No Module Open"));
+}
+
+TEST_F(SourceEditorTest, SaveModuleWritesTheActiveOne) {
+    OpenBlink();
+    frmEditBoxType* Led = Module(2);
+    ASSERT_NE(Led, nullptr);
+    Editor->mdiArea->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(Led->parentWidget()));
+    Led->RichText().SetSelStart(0);
+    QTest::keyClicks(Led->rtfEditBox, QStringLiteral("' "));
+    Settle();
+    ASSERT_TRUE(Led->HasChanged());
+    Editor->mnuSaveModule->trigger();
+    EXPECT_FALSE(Led->HasChanged());
+    QFile Saved(File(QStringLiteral("led.bas")));
+    ASSERT_TRUE(Saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(Saved.readAll(), QByteArray("' x = \"on\""));
+}
+
+TEST_F(SourceEditorTest, CompileAndRunWithAClosedPortAndNoCompilesNothing) {
+    OpenBlink();
+    Module(1)->SetHasChanged(true);
+    Boxes->QueueAnswer(7);
+    Editor->mnuCompileAndRun->trigger();
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Download port is closed\nOpen port now?"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Download port closed"));
+    EXPECT_TRUE(Module(1)->HasChanged()) << "nothing was saved for a compile";
+}
+
+TEST_F(SourceEditorTest, ToolBarStaysAtLeast4410TwipsWide) {
+    Editor->resize(100, 300);
+    Settle();
+    EXPECT_GE(Editor->barEditorToolbar->minimumWidth(), TwipsConversion::TwipsToPixelsX(4410));
+}
+
+TEST_F(SourceEditorTest, CloseProjectAsksForChangedModulesAndCancelKeepsItOpen) {
+    OpenBlink();
+    Module(1)->SetHasChanged(true);
+    Boxes->QueueAnswer(2);
+    Editor->mnuCloseProject->trigger();
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Save changes to main?"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Save Module"));
+    EXPECT_TRUE(Project().IsDefined());
+    EXPECT_EQ(Editor->mdiArea->subWindowList().size(), 2);
+
+    Boxes->QueueAnswer(6);
+    Editor->mnuCloseProject->trigger();
+    EXPECT_FALSE(Project().IsDefined());
+    EXPECT_TRUE(Editor->mdiArea->subWindowList().isEmpty());
+    EXPECT_TRUE(Tabs().isEmpty());
+    EXPECT_EQ(Editor->windowTitle(), QStringLiteral("Kavlin Editor"));
+    EXPECT_FALSE(Editor->mnuSaveProject->isEnabled());
+}
+
+TEST_F(SourceEditorTest, TabAndWindowFollowEachOther) {
+    OpenBlink();
+    Editor->tabEditTabStrip->setCurrentIndex(0);
+    Settle();
+    EXPECT_EQ(Editor->ActiveModuleNumber(), 1);
+    Editor->mdiArea->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(Module(2)->parentWidget()));
+    Settle();
+    EXPECT_EQ(Editor->tabEditTabStrip->currentIndex(), 1);
+}
+
+TEST_F(SourceEditorTest, SaveGeometryKeepsSizeMaximisedStateAndRecentList) {
+    OpenBlink();
+    Editor->SaveGeometry();
+    EXPECT_FALSE(Setting(QStringLiteral("Editor_Width")).isEmpty());
+    EXPECT_EQ(Setting(QStringLiteral("Child_Windows_Maximized")), QStringLiteral("False"));
+    EXPECT_EQ(Setting(QStringLiteral("Last_Project_1")), File(QStringLiteral("blink.kvp")));
+}
+
+TEST_F(SourceEditorTest, ClosingTheDownloaderWithAChangedModuleAndCancelKeepsBothWindows) {
+    frmDownloader& Downloader = Global<frmDownloader>::Get();
+    OpenBlink();
+    Module(1)->SetHasChanged(true);
+    Boxes->QueueAnswer(2);
+    bool Cancel = false;
+    Downloader.Form_Unload(Cancel);
+    EXPECT_TRUE(Cancel);
+    EXPECT_TRUE(Global<frmSourceEditor>::IsLoaded());
+    EXPECT_TRUE(Project().IsDefined());
+    EXPECT_FALSE(frmDownloader::ProcessHasEnded());
+    EXPECT_TRUE(Setting(QStringLiteral("Main_Top")).isEmpty()) << "no geometry stored";
+}
+
+TEST_F(SourceEditorTest, ExitWithNoChangesClosesTheEditorAndReleasesTheProject) {
+    OpenBlink();
+    Editor->mnuExit->trigger();
+    Settle();
+    EXPECT_FALSE(GlobalData::GetEditorIsOpen());
+    EXPECT_FALSE(Project().IsDefined());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(Global<frmSourceEditor>::IsLoaded());
+}
+
+}  // namespace
