@@ -2,6 +2,7 @@
 
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <algorithm>
 
 #include "editor/frmSourceEditor.h"
 #include "platform/Global.h"
@@ -28,7 +29,10 @@ void EditBoxModuleWindow::Initialize(const QString& Name, int16_t Number,
     // The editor's area holds the module windows; without the editor a
     // window stands alone (a batch's project).
     if (Global<frmSourceEditor>::IsLoaded()) {
-        QMdiSubWindow* Sub = Global<frmSourceEditor>::Get().mdiArea->addSubWindow(Window_);
+        QMdiArea* Area = Global<frmSourceEditor>::Get().mdiArea;
+        QMdiSubWindow* Sub = Area->addSubWindow(Window_);
+        // A new window takes two thirds of the area, as a cascade would.
+        Sub->resize(std::max(320, Area->width() * 2 / 3), std::max(200, Area->height() * 2 / 3));
         Sub->show();
         Global<frmSourceEditor>::Get().mdiArea->setActiveSubWindow(Sub);
         return;

@@ -71,6 +71,8 @@ frmEditBoxType::frmEditBoxType() {
     setObjectName(QStringLiteral("frmEditBoxType"));
     rtfEditBox = new EditBoxControl(this);
     rtfEditBox->move(0, 0);
+    // Outside an area a window opens at a readable size.
+    resize(480, 320);
     RichText_ = new PlainTextEditRichTextBox(rtfEditBox);
     Model_ = std::make_unique<EditBoxModel>(RichText_);
     Model_->SetCaption = [this](const QString& Caption) { setWindowTitle(Caption); };
