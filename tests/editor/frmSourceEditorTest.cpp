@@ -251,4 +251,88 @@ TEST_F(SourceEditorTest, ExitWithNoChangesClosesTheEditorAndReleasesTheProject) 
     EXPECT_FALSE(Global<frmSourceEditor>::IsLoaded());
 }
 
+TEST_F(SourceEditorTest, CloseBoxWithAChangedModuleAsksAndCancelKeepsEverything) {
+    OpenBlink();
+    Module(2)->SetHasChanged(true);
+    Boxes->QueueAnswer(2);
+    EXPECT_FALSE(Editor->close());
+    EXPECT_TRUE(Editor->isVisible());
+    EXPECT_TRUE(GlobalData::GetEditorIsOpen());
+    EXPECT_TRUE(Project().IsDefined());
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Save changes to led?"));
+}
+
+TEST_F(SourceEditorTest, GeometryComesFromTheEditorsOwnKeys) {
+    Global<frmSourceEditor>::Unload();
+    SetSetting(QStringLiteral("Editor_Top"), QStringLiteral("-20"));
+    SetSetting(QStringLiteral("Editor_Left"), QStringLiteral("720"));
+    SetSetting(QStringLiteral("Editor_Width"), QStringLiteral("9000"));
+    SetSetting(QStringLiteral("Editor_Height"), QStringLiteral("7000"));
+    Editor = &Global<frmSourceEditor>::Get();
+    const FormGeometry Geometry = Editor->CurrentGeometry();
+    EXPECT_EQ(Geometry.Top, 0);
+    EXPECT_EQ(Geometry.Left, 720);
+    EXPECT_EQ(Geometry.Width, 9000);
+    EXPECT_EQ(Geometry.Height, 7000);
+}
+
+TEST_F(SourceEditorTest, WindowMenuArrangesTheModuleWindows) {
+    OpenBlink();
+    Editor->mnuWindowTileVertical->trigger();
+    Settle();
+    const QList<QMdiSubWindow*> Windows = Editor->mdiArea->subWindowList();
+    ASSERT_EQ(Windows.size(), 2);
+    EXPECT_FALSE(Windows[0]->geometry().intersects(Windows[1]->geometry()));
+    Editor->mnuWindowCascade->trigger();
+    Settle();
+    EXPECT_NE(Windows[0]->pos(), Windows[1]->pos());
+    EXPECT_TRUE(Windows[0]->geometry().intersects(Windows[1]->geometry()));
+}
+
+TEST_F(SourceEditorTest, OpeningAProjectTellsTheImageNameToTheDownloader) {
+    QString Shown;
+    Editor->DisplayKvbHook = [&Shown](const QString& Name) { Shown = Name; };
+    OpenBlink();
+    EXPECT_EQ(Shown, File(QStringLiteral("blink.kvb")));
+    Editor->mnuCloseProject->trigger();
+    EXPECT_TRUE(Shown.isEmpty());
+    Editor->DisplayKvbHook = nullptr;
+}
+
+TEST_F(SourceEditorTest, SaveProjectAsAsksForTheNewNameAndMovesTheCaption) {
+    OpenBlink();
+    QDir().mkpath(File(QStringLiteral("copy")));
+    Dialogs->Answers.push_back(File(QStringLiteral("copy/lamp.kvp")));
+    Editor->mnuSaveProjectAs->trigger();
+    ASSERT_EQ(Dialogs->Requests.size(), 2);
+    EXPECT_EQ(Dialogs->Requests[1].Title, QStringLiteral("Save Project As"));
+    EXPECT_EQ(Dialogs->Requests[1].FileName, QStringLiteral("blink.kvp"));
+    EXPECT_EQ(Dialogs->Requests[1].Filter, QStringLiteral("Kavlin Studio Project (*.kvp)|*.kvp"));
+    EXPECT_TRUE(Dialogs->Requests[1].Save);
+    EXPECT_EQ(Editor->windowTitle(), QStringLiteral("Kavlin Editor - lamp"));
+    EXPECT_TRUE(QFile::exists(File(QStringLiteral("copy/lamp.kvp"))));
+}
+
+TEST_F(SourceEditorTest, SaveModuleAsOffersTheModulesFullName) {
+    OpenBlink();
+    Editor->mdiArea->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(Module(1)->parentWidget()));
+    Dialogs->Answers.push_back(File(QStringLiteral("start.bas")));
+    Editor->mnuSaveModuleAs->trigger();
+    ASSERT_EQ(Dialogs->Requests.size(), 2);
+    EXPECT_EQ(Dialogs->Requests[1].Title, QStringLiteral("Save Module As"));
+    EXPECT_EQ(Dialogs->Requests[1].FileName, File(QStringLiteral("main.bas")));
+    EXPECT_EQ(Dialogs->Requests[1].Filter, QStringLiteral("Kavlin Studio Module (*.bas)|*.bas"));
+    EXPECT_TRUE(QFile::exists(File(QStringLiteral("start.bas"))));
+    EXPECT_EQ(Tabs(), (QStringList{QStringLiteral("start"), QStringLiteral("led")}));
+}
+
+TEST_F(SourceEditorTest, SaveProjectAsWithoutAProjectSaysSo) {
+    Editor->mnuSaveProjectAs->setEnabled(true);
+    Editor->mnuSaveProjectAs->trigger();
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("No project open"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("No Project Open"));
+}
+
 }  // namespace
