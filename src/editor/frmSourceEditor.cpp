@@ -243,30 +243,12 @@ void frmSourceEditor::InitializeStatusBar() {
 }
 
 void frmSourceEditor::RestoreGeometry() {
-    using namespace TwipsConversion;
     FormGeometry Geometry;
     RegistryCentral::RegistryGetEditorGeometry(Geometry);
-    Geometry.ClampNegative();
-    Geometry.ClampToScreen(ScreenWidthTwips(), ScreenHeightTwips());
-    move(TwipsToPixelsX(Geometry.Left), TwipsToPixelsY(Geometry.Top));
-    resize(TwipsToPixelsX(Geometry.Width), TwipsToPixelsY(Geometry.Height));
-    RestoredGeometry = Geometry;
-    RestoredPixels = QRect(pos(), size());
+    Placement.Restore(*this, Geometry);
 }
 
-FormGeometry frmSourceEditor::CurrentGeometry() const {
-    using namespace TwipsConversion;
-    FormGeometry Geometry;
-    Geometry.Top =
-        pos().y() == RestoredPixels.y() ? RestoredGeometry.Top : PixelsToTwipsY(pos().y());
-    Geometry.Left =
-        pos().x() == RestoredPixels.x() ? RestoredGeometry.Left : PixelsToTwipsX(pos().x());
-    Geometry.Width =
-        width() == RestoredPixels.width() ? RestoredGeometry.Width : PixelsToTwipsX(width());
-    Geometry.Height =
-        height() == RestoredPixels.height() ? RestoredGeometry.Height : PixelsToTwipsY(height());
-    return Geometry;
-}
+FormGeometry frmSourceEditor::CurrentGeometry() const { return Placement.Current(*this); }
 
 void frmSourceEditor::DisplayProjectName(const QString& Name) {
     setWindowTitle(Name.isEmpty() ? QStringLiteral("Kavlin Editor")
@@ -358,35 +340,18 @@ int16_t frmSourceEditor::ActiveModuleNumber() {
     return Box != nullptr ? Box->Model().ModuleNumber() : 0;
 }
 
-void frmSourceEditor::mnuEditCut_Click() {
+void frmSourceEditor::OnActiveEditBox(void (EditBoxModel::*Command)()) {
+    // No active child is a legal state: the command then does nothing.
     if (frmEditBoxType* Box = ActiveEditBox()) {
-        Box->Model().EditCut();
+        (Box->Model().*Command)();
     }
 }
 
-void frmSourceEditor::mnuEditCopy_Click() {
-    if (frmEditBoxType* Box = ActiveEditBox()) {
-        Box->Model().EditCopy();
-    }
-}
-
-void frmSourceEditor::mnuEditPaste_Click() {
-    if (frmEditBoxType* Box = ActiveEditBox()) {
-        Box->Model().EditPaste();
-    }
-}
-
-void frmSourceEditor::mnuEditDelete_Click() {
-    if (frmEditBoxType* Box = ActiveEditBox()) {
-        Box->Model().EditDelete();
-    }
-}
-
-void frmSourceEditor::mnuEditSelectAll_Click() {
-    if (frmEditBoxType* Box = ActiveEditBox()) {
-        Box->Model().EditSelectAll();
-    }
-}
+void frmSourceEditor::mnuEditCut_Click() { OnActiveEditBox(&EditBoxModel::EditCut); }
+void frmSourceEditor::mnuEditCopy_Click() { OnActiveEditBox(&EditBoxModel::EditCopy); }
+void frmSourceEditor::mnuEditPaste_Click() { OnActiveEditBox(&EditBoxModel::EditPaste); }
+void frmSourceEditor::mnuEditDelete_Click() { OnActiveEditBox(&EditBoxModel::EditDelete); }
+void frmSourceEditor::mnuEditSelectAll_Click() { OnActiveEditBox(&EditBoxModel::EditSelectAll); }
 
 // ---- Recent projects ---------------------------------------------------------
 

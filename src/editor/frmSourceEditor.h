@@ -10,8 +10,10 @@
 #include <QVector>
 #include <functional>
 
+#include "editor/EditBoxModel.h"
 #include "editor/SourceEditorHost.h"
 #include "frame/FormGeometry.h"
+#include "frame/WindowGeometry.h"
 #include "project/ProjectEditorHost.h"
 
 class frmEditBoxType;
@@ -134,6 +136,6 @@ class frmSourceEditor : public QMainWindow, public SourceEditorHost, public Proj
     frmEditBoxType* ActiveEditBox() const;
     bool TabClickArmed = true;
     bool ExitConfirmed = false;
-    FormGeometry RestoredGeometry;
-    QRect RestoredPixels{0, 0, -1, -1};
+    void OnActiveEditBox(void (EditBoxModel::*Command)());
+    WindowGeometry Placement;
 };

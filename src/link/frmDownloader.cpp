@@ -250,32 +250,12 @@ void frmDownloader::InitializeForm() {
 }
 
 void frmDownloader::RestoreGeometry() {
-    using namespace TwipsConversion;
     FormGeometry Geometry;
     RegistryCentral::RegistryGetMainGeometry(Geometry);
-    Geometry.ClampNegative();
-    Geometry.ClampToScreen(ScreenWidthTwips(), ScreenHeightTwips());
-    move(TwipsToPixelsX(Geometry.Left), TwipsToPixelsY(Geometry.Top));
-    resize(TwipsToPixelsX(Geometry.Width), TwipsToPixelsY(Geometry.Height));
-    RestoredGeometry = Geometry;
-    RestoredPixels = QRect(pos(), size());
+    Placement.Restore(*this, Geometry);
 }
 
-FormGeometry frmDownloader::CurrentGeometry() const {
-    using namespace TwipsConversion;
-    // A field the window has not moved keeps the twips it was restored from,
-    // so that rounding to pixels does not creep a little at every restart.
-    FormGeometry Geometry;
-    Geometry.Top =
-        pos().y() == RestoredPixels.y() ? RestoredGeometry.Top : PixelsToTwipsY(pos().y());
-    Geometry.Left =
-        pos().x() == RestoredPixels.x() ? RestoredGeometry.Left : PixelsToTwipsX(pos().x());
-    Geometry.Width =
-        width() == RestoredPixels.width() ? RestoredGeometry.Width : PixelsToTwipsX(width());
-    Geometry.Height =
-        height() == RestoredPixels.height() ? RestoredGeometry.Height : PixelsToTwipsY(height());
-    return Geometry;
-}
+FormGeometry frmDownloader::CurrentGeometry() const { return Placement.Current(*this); }
 
 void frmDownloader::SaveGeometry() { RegistryCentral::RegistrySaveMainGeometry(CurrentGeometry()); }
 

@@ -12,6 +12,7 @@
 
 #include "frame/CommandLineInterpreter.h"
 #include "frame/FormGeometry.h"
+#include "frame/WindowGeometry.h"
 #include "link/KavlinControl.h"
 
 // How the downloader reaches an open editor at shutdown without loading one.
@@ -125,6 +126,5 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     bool ComErrorShownOnce = false;
     bool ComErrorShown = false;
     bool Unloaded = false;
-    FormGeometry RestoredGeometry;
-    QRect RestoredPixels{0, 0, -1, -1};
+    WindowGeometry Placement;
 };
