@@ -469,53 +469,58 @@ void frmSourceEditor::OpenProject(const QString& Path, const QString& Name,
     DisplayProjectName(Project().Name());
 }
 
+namespace {
+// One dialog: the chosen name, whether it is new, whether the user cancelled.
+// An error in a save dialog gives the numbered report of its location (minor
+// number 4 or 5); in the open dialog it counts as a cancel.
+void RunFileDialog(const FileDialogRequest& Request, int16_t ErrorMinor, QString& LongFilename,
+                   bool& IsNewFile, bool& UserCancelled) {
+    try {
+        UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
+        IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
+    } catch (...) {
+        UserCancelled = true;
+        if (ErrorMinor > 0) {
+            ExceptionTypes::ProcessException(6, ErrorMinor);
+        }
+    }
+}
+
+FileDialogRequest MakeRequest(const char* Title, const QString& InitDir, const QString& FileName,
+                              const char* Filter, bool Save) {
+    FileDialogRequest Request;
+    Request.Title = QString::fromLatin1(Title);
+    Request.InitDir = InitDir;
+    Request.FileName = FileName;
+    Request.Filter = QString::fromLatin1(Filter);
+    Request.FilterIndex = 2;
+    Request.Save = Save;
+    return Request;
+}
+}  // namespace
+
 void frmSourceEditor::OpenProjectDialog(QString& LongFilename, bool& IsNewFile,
                                         bool& UserCancelled) {
-    FileDialogRequest Request;
-    Request.Title = QStringLiteral("Open Project");
-    Request.InitDir = DirectoryCentral::GetWorkPath();
-    Request.Filter = QStringLiteral("Kavlin Studio Projects (*.kvp)|*.kvp");
-    Request.FilterIndex = 2;
-    UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
-    IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
+    // Opening may name a project that doesn't exist: that makes a new one.
+    RunFileDialog(MakeRequest("Open Project", DirectoryCentral::GetWorkPath(), QString(),
+                              "Kavlin Studio Projects (*.kvp)|*.kvp", false),
+                  0, LongFilename, IsNewFile, UserCancelled);
 }
 
 void frmSourceEditor::SaveProjectAsDialog(const QString& Path, const QString& Filename,
                                           QString& LongFilename, bool& IsNewFile,
                                           bool& UserCancelled) {
-    FileDialogRequest Request;
-    Request.Title = QStringLiteral("Save Project As");
-    Request.InitDir = Path;
-    Request.FileName = Filename;
-    Request.Filter = QStringLiteral("Kavlin Studio Project (*.kvp)|*.kvp");
-    Request.FilterIndex = 2;
-    Request.Save = true;
-    try {
-        UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
-        IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
-    } catch (...) {
-        UserCancelled = true;
-        ExceptionTypes::ProcessException(6, 4);
-    }
+    RunFileDialog(
+        MakeRequest("Save Project As", Path, Filename, "Kavlin Studio Project (*.kvp)|*.kvp", true),
+        4, LongFilename, IsNewFile, UserCancelled);
 }
 
 void frmSourceEditor::SaveModuleAsDialog(const QString& Path, const QString& Filename,
                                          QString& LongFilename, bool& IsNewFile,
                                          bool& UserCancelled) {
-    FileDialogRequest Request;
-    Request.Title = QStringLiteral("Save Module As");
-    Request.InitDir = Path;
-    Request.FileName = Filename;
-    Request.Filter = QStringLiteral("Kavlin Studio Module (*.bas)|*.bas");
-    Request.FilterIndex = 2;
-    Request.Save = true;
-    try {
-        UserCancelled = !FileDialogService::Instance().Show(Request, LongFilename);
-        IsNewFile = !UserCancelled && !UtilitiesFilename::FileExists(LongFilename);
-    } catch (...) {
-        UserCancelled = true;
-        ExceptionTypes::ProcessException(6, 5);
-    }
+    RunFileDialog(
+        MakeRequest("Save Module As", Path, Filename, "Kavlin Studio Module (*.bas)|*.bas", true),
+        5, LongFilename, IsNewFile, UserCancelled);
 }
 
 void frmSourceEditor::mnuNewProject_Click() {
