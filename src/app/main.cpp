@@ -9,6 +9,7 @@
 #include "platform/Global.h"
 #include "platform/HeadlessMessageBoxService.h"
 #include "platform/QtClipboardService.h"
+#include "platform/QtFileDialogService.h"
 #include "platform/QtMessageBoxService.h"
 #include "project/ProjectType.h"
 #include "sim/SimulatedSerialLine.h"
@@ -52,6 +53,7 @@ int main(int argc, char** argv) {
         MessageBoxService::Install(std::make_unique<HeadlessMessageBoxService>());
     } else {
         MessageBoxService::Install(std::make_unique<QtMessageBoxService>());
+        FileDialogService::Install(std::make_unique<QtFileDialogService>());
     }
     ClipboardService::Install(std::make_unique<QtClipboardService>());
     ProjectModel::RegisterWithFrame();
