@@ -241,6 +241,23 @@ TEST_F(SourceEditorTest, ClosingTheDownloaderWithAChangedModuleAndCancelKeepsBot
     EXPECT_TRUE(Setting(QStringLiteral("Main_Top")).isEmpty()) << "no geometry stored";
 }
 
+TEST_F(SourceEditorTest, ClosingTheDownloaderSavesWhatTheUserWantsAndUnloadsTheEditor) {
+    frmDownloader& Downloader = Global<frmDownloader>::Get();
+    OpenBlink();
+    Module(2)->SetHasChanged(true);
+    Boxes->QueueAnswer(6);
+    bool Cancel = true;
+    Downloader.Form_Unload(Cancel);
+    EXPECT_FALSE(Cancel);
+    EXPECT_FALSE(Global<frmSourceEditor>::IsLoaded());
+    EXPECT_FALSE(GlobalData::GetEditorIsOpen());
+    EXPECT_FALSE(Project().IsDefined());
+    EXPECT_TRUE(frmDownloader::ProcessHasEnded());
+    EXPECT_FALSE(Setting(QStringLiteral("Editor_Top")).isEmpty());
+    EXPECT_FALSE(Setting(QStringLiteral("Main_Top")).isEmpty());
+    Global<frmDownloader>::Unload();
+}
+
 TEST_F(SourceEditorTest, ExitWithNoChangesClosesTheEditorAndReleasesTheProject) {
     OpenBlink();
     Editor->mnuExit->trigger();
