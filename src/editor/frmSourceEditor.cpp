@@ -13,6 +13,7 @@
 #include "frame/ErrorDisplay.h"
 #include "frame/ExceptionTypes.h"
 #include "frame/GlobalData.h"
+#include "frame/KeyedToolBar.h"
 #include "frame/RegistryCentral.h"
 #include "frame/TwipsConversion.h"
 #include "frame/UtilitiesFilename.h"
@@ -25,11 +26,6 @@
 #include "project/RecentProjects.h"
 
 namespace {
-QIcon ThemeIcon(const char* Name, QStyle::StandardPixmap Fallback) {
-    return QIcon::fromTheme(QString::fromLatin1(Name),
-                            QApplication::style()->standardIcon(Fallback));
-}
-
 constexpr int MinimumToolBarTwips = 4410;
 }  // namespace
 
@@ -169,52 +165,31 @@ void frmSourceEditor::BuildToolBar() {
     barEditorToolbar = addToolBar(QStringLiteral("barEditorToolbar"));
     barEditorToolbar->setObjectName(QStringLiteral("barEditorToolbar"));
     barEditorToolbar->setMovable(false);
-    struct Button {
-        const char* Key;
-        const char* ToolTip;
-        const char* Icon;
-        QStyle::StandardPixmap Fallback;
-    };
-    const Button Buttons[] = {
-        {"NewProject", "New Project", "document-new", QStyle::SP_FileIcon},
-        {"OpenProject", "Open Project", "document-open", QStyle::SP_DialogOpenButton},
-        {"CloseProject", "Close Project", "document-close", QStyle::SP_DialogCloseButton},
-        {"SaveProject", "Save Project", "document-save", QStyle::SP_DialogSaveButton},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {"Cut", "Cut", "edit-cut", QStyle::SP_ArrowRight},
-        {"Copy", "Copy", "edit-copy", QStyle::SP_FileDialogNewFolder},
-        {"Paste", "Paste", "edit-paste", QStyle::SP_FileDialogContentsView},
-        {"Find", "Find", "edit-find", QStyle::SP_FileDialogDetailedView},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {"CompileAndRun", "Compile and Run", "media-playback-start", QStyle::SP_MediaPlay},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {"ChipDialog", "Chip Dialog", "preferences-system", QStyle::SP_ComputerIcon},
-        {"ProjectFiles", "Project Files", "folder", QStyle::SP_DirIcon},
-    };
-    for (const Button& B : Buttons) {
-        if (B.Key == nullptr) {
-            ToolBarButtons << barEditorToolbar->addSeparator();
-            continue;
-        }
-        const QString Key = QString::fromLatin1(B.Key);
-        QAction* Action = barEditorToolbar->addAction(ThemeIcon(B.Icon, B.Fallback), Key);
-        Action->setObjectName(QStringLiteral("barEditorToolbar_") + Key);
-        Action->setData(Key);
-        Action->setToolTip(QString::fromLatin1(B.ToolTip));
-        connect(Action, &QAction::triggered, this,
-                [this, Key] { barEditorToolbar_ButtonClick(Key); });
-        ToolBarButtons << Action;
-    }
+    ToolBarButtons = KeyedToolBar::AddButtons(
+        *barEditorToolbar,
+        {
+            {"NewProject", "New Project", "document-new", QStyle::SP_FileIcon},
+            {"OpenProject", "Open Project", "document-open", QStyle::SP_DialogOpenButton},
+            {"CloseProject", "Close Project", "document-close", QStyle::SP_DialogCloseButton},
+            {"SaveProject", "Save Project", "document-save", QStyle::SP_DialogSaveButton},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {"Cut", "Cut", "edit-cut", QStyle::SP_ArrowRight},
+            {"Copy", "Copy", "edit-copy", QStyle::SP_FileDialogNewFolder},
+            {"Paste", "Paste", "edit-paste", QStyle::SP_FileDialogContentsView},
+            {"Find", "Find", "edit-find", QStyle::SP_FileDialogDetailedView},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {"CompileAndRun", "Compile and Run", "media-playback-start", QStyle::SP_MediaPlay},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {"ChipDialog", "Chip Dialog", "preferences-system", QStyle::SP_ComputerIcon},
+            {"ProjectFiles", "Project Files", "folder", QStyle::SP_DirIcon},
+        },
+        QStringLiteral("barEditorToolbar_"),
+        [this](const QString& Key) { barEditorToolbar_ButtonClick(Key); });
     barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
 }
 
 QAction* frmSourceEditor::ToolBarButton(const QString& Key) const {
-    for (QAction* Action : ToolBarButtons) {
-        if (Action->data().toString() == Key) {
-            return Action;
-        }
-    }
-    return nullptr;
+    return KeyedToolBar::Find(ToolBarButtons, Key);
 }
 
 void frmSourceEditor::InitializeEditor() {

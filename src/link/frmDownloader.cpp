@@ -14,6 +14,7 @@
 #include "frame/ErrorDisplay.h"
 #include "frame/ExceptionTypes.h"
 #include "frame/GlobalData.h"
+#include "frame/KeyedToolBar.h"
 #include "frame/RegistryCentral.h"
 #include "frame/TwipsConversion.h"
 #include "frame/frmAbout.h"
@@ -45,10 +46,6 @@ class SourceEditorShutdown : public EditorShutdownHandler {
 SourceEditorShutdown TheSourceEditorShutdown;
 EditorShutdownHandler* EditorShutdown = &TheSourceEditorShutdown;
 
-QIcon ThemeIcon(const char* Name, QStyle::StandardPixmap Fallback) {
-    return QIcon::fromTheme(QString::fromLatin1(Name),
-                            QApplication::style()->standardIcon(Fallback));
-}
 }  // namespace
 
 frmDownloader::frmDownloader() {
@@ -139,47 +136,27 @@ void frmDownloader::BuildToolBar() {
     ToolBar = addToolBar(QStringLiteral("ToolBar"));
     ToolBar->setObjectName(QStringLiteral("ToolBar"));
     ToolBar->setMovable(false);
-    struct Button {
-        const char* Key;
-        const char* ToolTip;
-        const char* Icon;
-        QStyle::StandardPixmap Fallback;
-    };
-    const Button Buttons[] = {
-        {"Open", "Open Download File", "document-open", QStyle::SP_DialogOpenButton},
-        {"Editor", "Open Editor", "accessories-text-editor", QStyle::SP_FileDialogDetailedView},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {"Stop", "Stop Processor  (Alt+S)", "media-playback-stop", QStyle::SP_MediaStop},
-        {"Run", "Execute  (Alt+E)", "media-playback-start", QStyle::SP_MediaPlay},
-        {"Reset", "Reset Processor  (Alt+R)", "view-refresh", QStyle::SP_BrowserReload},
-        {"Download", "Download Program  (Alt+D)", "go-down", QStyle::SP_ArrowDown},
-        {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
-        {"ClearSerial", "Clear Serial Window  (Alt+C)", "edit-clear", QStyle::SP_DialogResetButton},
-    };
-    for (const Button& B : Buttons) {
-        if (B.Key == nullptr) {
-            ToolBarButtons << ToolBar->addSeparator();
-            continue;
-        }
-        const QString Key = QString::fromLatin1(B.Key);
-        QAction* Action = ToolBar->addAction(ThemeIcon(B.Icon, B.Fallback), Key);
-        Action->setObjectName(QStringLiteral("ToolBar_") + Key);
-        Action->setData(Key);
-        Action->setToolTip(QString::fromLatin1(B.ToolTip));
-        connect(Action, &QAction::triggered, this, [this, Key] { ToolBar_ButtonClick(Key); });
-        ToolBarButtons << Action;
-    }
+    ToolBarButtons = KeyedToolBar::AddButtons(
+        *ToolBar,
+        {
+            {"Open", "Open Download File", "document-open", QStyle::SP_DialogOpenButton},
+            {"Editor", "Open Editor", "accessories-text-editor", QStyle::SP_FileDialogDetailedView},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {"Stop", "Stop Processor  (Alt+S)", "media-playback-stop", QStyle::SP_MediaStop},
+            {"Run", "Execute  (Alt+E)", "media-playback-start", QStyle::SP_MediaPlay},
+            {"Reset", "Reset Processor  (Alt+R)", "view-refresh", QStyle::SP_BrowserReload},
+            {"Download", "Download Program  (Alt+D)", "go-down", QStyle::SP_ArrowDown},
+            {nullptr, nullptr, nullptr, QStyle::SP_CustomBase},
+            {"ClearSerial", "Clear Serial Window  (Alt+C)", "edit-clear",
+             QStyle::SP_DialogResetButton},
+        },
+        QStringLiteral("ToolBar_"), [this](const QString& Key) { ToolBar_ButtonClick(Key); });
 }
 
 QAction* frmDownloader::ToolBarButton(const QString& Key) const {
-    for (QAction* Action : ToolBarButtons) {
-        if (Action->data().toString() == Key) {
-            return Action;
-        }
-    }
-    return nullptr;
+    return KeyedToolBar::Find(ToolBarButtons, Key);
 }
 
 void frmDownloader::BuildStatusBar() {
