@@ -25,15 +25,13 @@ PortBitXRef MakePort(const std::array<uint8_t, 8>& Pins) {
     return Port;
 }
 
-PrfRecordType ReadRecord(QFile& File, int32_t RecordNumber) {
-    if (!File.seek(PrfRecordType::OffsetOf(RecordNumber))) {
-        return PrfRecordType();
-    }
-    return PrfRecordType::Decode(File.read(PrfRecordType::RecordLength), 0);
+PrfRecordType ReadRecord(const QByteArray& Image, int32_t RecordNumber) {
+    // Past the end of a short file a record reads as zeros.
+    return PrfRecordType::Decode(Image, PrfRecordType::OffsetOf(RecordNumber));
 }
 
 // Pins Low to High of a port from bit 0 up, or High down to Low.
-void PutPort(QFile& File, int32_t RegisterIndex, int32_t FirstPin, int32_t Step,
+void PutPort(const QByteArray& File, int32_t RegisterIndex, int32_t FirstPin, int32_t Step,
              RegisterArray& Registers) {
     for (int Bit = 0; Bit < 8; ++Bit) {
         PutPinBits(ReadRecord(File, FirstPin + Step * Bit), RegisterIndex,
@@ -42,7 +40,7 @@ void PutPort(QFile& File, int32_t RegisterIndex, int32_t FirstPin, int32_t Step,
 }
 
 // The value records shared by the KV-10 and KV-20 arrays.
-void PutValues(QFile& File, RegisterArray& Registers) {
+void PutValues(const QByteArray& File, RegisterArray& Registers) {
     const int32_t NodeAddress = ReadRecord(File, 600).Value;
     Registers[9] = static_cast<uint8_t>(NodeAddress & 0xFF);
     Registers[10] = static_cast<uint8_t>((NodeAddress >> 8) & 0xFF);
@@ -76,11 +74,14 @@ void ConfigureFromRecords(RegisterArray& Registers, const QString& MissingText, 
                                        QStringLiteral("PRF File Not Found"));
         return;
     }
-    QFile File;
-    if (!XFileExecutivePRF::OpenPRFfile(File)) {
+    QFile Opened;
+    if (!XFileExecutivePRF::OpenPRFfile(Opened)) {
         ErrorDisplay::ShowErrorMessage(MissingText, QStringLiteral("Missing PRF File"));
         return;
     }
+    // The records come from one read of the whole file.
+    const QByteArray File = Opened.readAll();
+    Opened.close();
     Ports(File);
     PutValues(File, Registers);
     if (IsKV10) {
@@ -119,7 +120,7 @@ void PutPinBits(const PrfRecordType& Record, int32_t RegisterIndex, uint8_t BitM
 
 void ConfigureKV10(RegisterArray& Registers) {
     ConfigureFromRecords(Registers, QStringLiteral("Missing preference file"), true,
-                         [&](QFile& File) {
+                         [&](const QByteArray& File) {
                              PutPort(File, 0, 39, -1, Registers);
                              PutPort(File, 2, 1, 1, Registers);
                              PutPort(File, 4, 21, 1, Registers);
@@ -128,14 +129,15 @@ void ConfigureKV10(RegisterArray& Registers) {
 }
 
 void ConfigureKV20(RegisterArray& Registers) {
-    ConfigureFromRecords(Registers, QStringLiteral("Missing PRF file"), false, [&](QFile& File) {
-        PutPort(File, 0, 20, -1, Registers);
-        PutPort(File, 4, 12, -1, Registers);
-        const PinBit PortD[] = {{25, 128}, {26, 32}, {27, 16}};
-        for (const PinBit& Pin : PortD) {
-            PutPinBits(ReadRecord(File, Pin.Pin), 6, Pin.Mask, Registers);
-        }
-    });
+    ConfigureFromRecords(Registers, QStringLiteral("Missing PRF file"), false,
+                         [&](const QByteArray& File) {
+                             PutPort(File, 0, 20, -1, Registers);
+                             PutPort(File, 4, 12, -1, Registers);
+                             const PinBit PortD[] = {{25, 128}, {26, 32}, {27, 16}};
+                             for (const PinBit& Pin : PortD) {
+                                 PutPinBits(ReadRecord(File, Pin.Pin), 6, Pin.Mask, Registers);
+                             }
+                         });
 }
 
 void PutRegister(int32_t RegisterIndex, const PortBitXRef& PortBits, RegisterArray& Registers) {

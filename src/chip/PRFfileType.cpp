@@ -1,5 +1,7 @@
 #include "chip/PRFfileType.h"
 
+#include <algorithm>
+
 #include "chip/FileExecutivePRF.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/RegistryCentral.h"
@@ -124,40 +126,34 @@ void PRFfileType::ReadAll() {
                                            QStringLiteral("Error Reading PRF File"));
             return;
         }
-        int32_t Value = 0;
-        File.ReadRecord(613, Value);
-        Processor_ = Value >= 0 && Value <= 4 ? Value : 2;
-        File.ReadRecord(609, Value);
-        UseInternalEEPROM = Value >= 0 && Value <= 2 ? Value : 0;
-        File.ReadRecord(611, Value);
-        SpiSize = Value < 0 ? 0 : Value;
-        File.ReadRecord(603, Value);
-        RamEnable = AsBoolean(Value);
-        File.ReadRecord(604, Value);
-        CodeCache = AsBoolean(Value);
-        File.ReadRecord(605, Value);
-        Com1Enable = AsBoolean(Value);
-        File.ReadRecord(606, Value);
-        Com2Enable = AsBoolean(Value);
+        const auto Read = [&File](int32_t RecordNumber) {
+            int32_t Value = 0;
+            File.ReadRecord(RecordNumber, Value);
+            return Value;
+        };
+        // In this order, each value passing its check as it is read.
+        const int32_t Stored = Read(613);
+        Processor_ = Stored >= 0 && Stored <= 4 ? Stored : 2;
+        const int32_t Storage = Read(609);
+        UseInternalEEPROM = Storage >= 0 && Storage <= 2 ? Storage : 0;
+        SpiSize = std::max(0, Read(611));
+        RamEnable = AsBoolean(Read(603));
+        CodeCache = AsBoolean(Read(604));
+        Com1Enable = AsBoolean(Read(605));
+        Com2Enable = AsBoolean(Read(606));
         for (int32_t Pin = 1; Pin <= 40; ++Pin) {
             File.ReadPinState(Pin, PinStates_[Pin]);
         }
-        File.ReadRecord(602, Value);
-        NetEnable = AsBoolean(Value);
-        File.ReadRecord(610, Value);
-        NetBaud = Value < 0 ? 0 : Value;
-        File.ReadRecord(600, Value);
-        NodeAddress = Value;
-        File.ReadRecord(601, Value);
-        GroupAddress = static_cast<uint8_t>(Value >= 0 && Value <= 255 ? Value : 254);
-        File.ReadRecord(607, Value);
-        OptimizeEnable = AsBoolean(Value);
-        File.ReadRecord(612, Value);
-        StrictSyntaxRules = AsBoolean(Value);
-        File.ReadRecord(614, Value);
-        PCLink = AsBoolean(Value);
-        File.ReadRecord(615, Value);
-        MaxVstr = static_cast<uint8_t>(Value >= 1 && Value <= 64 ? Value : 16);
+        NetEnable = AsBoolean(Read(602));
+        NetBaud = std::max(0, Read(610));
+        NodeAddress = Read(600);
+        const int32_t Group = Read(601);
+        GroupAddress = static_cast<uint8_t>(Group >= 0 && Group <= 255 ? Group : 254);
+        OptimizeEnable = AsBoolean(Read(607));
+        StrictSyntaxRules = AsBoolean(Read(612));
+        PCLink = AsBoolean(Read(614));
+        const int32_t Strings = Read(615);
+        MaxVstr = static_cast<uint8_t>(Strings >= 1 && Strings <= 64 ? Strings : 16);
         File.CloseFile();
     } catch (...) {
         LoadDefaults();

@@ -6,8 +6,6 @@
 #include "platform/ClipboardService.h"
 
 namespace {
-constexpr int32_t WaitPointer = 11;
-constexpr int32_t DefaultPointer = 0;
 constexpr int32_t ShiftKey = 1;
 constexpr int32_t ControlKey = 2;
 constexpr int32_t AltKey = 4;
@@ -152,13 +150,13 @@ void EditBoxModel::SetEditorColors() {
     RegistryCentral::RegistryGetEditorColors(CodeColor_, StringLiteralColor_, CommentColor_,
                                              BackgroundColor_);
     Disarm();
-    Control_->SetMousePointer(WaitPointer);
+    Control_->SetMousePointer(rtfWaitPointer);
     if (SyntaxHighlighter_) {
         SyntaxHighlighter_->SetEditorColors(CodeColor_, StringLiteralColor_, CommentColor_,
                                             BackgroundColor_);
         SyntaxHighlighter_->HighlightEntireFile();
     }
-    Control_->SetMousePointer(DefaultPointer);
+    Control_->SetMousePointer(rtfDefaultPointer);
     Rearm();
     DisplayCursor();
 }
@@ -169,12 +167,12 @@ QString EditBoxModel::Text() const { return Control_->Text(); }
 
 void EditBoxModel::SetText(const QString& SourceCode) {
     DisplayCursorArmed_ = false;
-    Control_->SetMousePointer(WaitPointer);
+    Control_->SetMousePointer(rtfWaitPointer);
     Control_->SetText(SourceCode);
     if (SyntaxHighlighter_) {
         SyntaxHighlighter_->HighlightEntireFile();
     }
-    Control_->SetMousePointer(DefaultPointer);
+    Control_->SetMousePointer(rtfDefaultPointer);
     DisplayCursorArmed_ = true;
     DisplayCursor();
 }

@@ -46,10 +46,13 @@ void EditBoxModuleWindow::SetHasChanged(bool Changed) { Window_->SetHasChanged(C
 void EditBoxModuleWindow::SetCaption(const QString& Caption) { Window_->setWindowTitle(Caption); }
 void EditBoxModuleWindow::SetAllowRemoval(bool Allow) { Window_->SetAllowRemoval(Allow); }
 
+QWidget* EditBoxModuleWindow::Frame() const {
+    // In the editor's area the state is the sub-window's, else the window's own.
+    return Window_->parentWidget() != nullptr ? Window_->parentWidget() : Window_.data();
+}
+
 int32_t EditBoxModuleWindow::WindowState() const {
-    const QWidget* Frame =
-        Window_->parentWidget() != nullptr ? Window_->parentWidget() : Window_.data();
-    const Qt::WindowStates State = Frame->windowState();
+    const Qt::WindowStates State = Frame()->windowState();
     if (State & Qt::WindowMinimized) {
         return 1;
     }
@@ -57,10 +60,9 @@ int32_t EditBoxModuleWindow::WindowState() const {
 }
 
 void EditBoxModuleWindow::SetWindowState(int32_t State) {
-    QWidget* Frame = Window_->parentWidget() != nullptr ? Window_->parentWidget() : Window_.data();
-    Frame->setWindowState(State == 1   ? Qt::WindowMinimized
-                          : State == 2 ? Qt::WindowMaximized
-                                       : Qt::WindowNoState);
+    Frame()->setWindowState(State == 1   ? Qt::WindowMinimized
+                            : State == 2 ? Qt::WindowMaximized
+                                         : Qt::WindowNoState);
 }
 
 void EditBoxModuleWindow::FocusEditControl() {

@@ -30,5 +30,6 @@ class EditBoxModuleWindow : public ModuleEditWindow {
     frmEditBoxType* Window() const { return Window_; }
 
   private:
+    QWidget* Frame() const;
     QPointer<frmEditBoxType> Window_;
 };

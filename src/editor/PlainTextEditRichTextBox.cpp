@@ -352,7 +352,7 @@ void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
         return;
     }
     Pointer_ = Pointer;
-    if (Pointer == 11) {
+    if (Pointer == rtfWaitPointer) {
         Editor_->viewport()->setCursor(Qt::WaitCursor);
     } else {
         Editor_->viewport()->setCursor(Qt::IBeamCursor);

@@ -75,6 +75,10 @@ class RichTextBox {
     }
 };
 
+// Mouse pointers.
+constexpr int32_t rtfDefaultPointer = 0;
+constexpr int32_t rtfWaitPointer = 11;
+
 // Options of Find.
 constexpr int32_t rtfWholeWord = 2;
 constexpr int32_t rtfMatchCase = 4;

@@ -9,8 +9,6 @@ namespace {
 constexpr char CR = 13;
 constexpr char DoubleQuote = 34;
 constexpr char Apostrophe = 39;
-constexpr int32_t WaitPointer = 11;
-constexpr int32_t DefaultPointer = 0;
 
 const uint32_t ColorTable[16] = {0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080,
                                  0x808000, 0xC0C0C0, 0x808080, 0x0000FF, 0x00FF00, 0x00FFFF,
@@ -205,7 +203,7 @@ void SyntaxHighlighterType::HighlightSyntax(int32_t ModFirst, int32_t ModLast) {
         int32_t StartOfClass = 0;
         int32_t Position = ModFirst;
         for (; Position <= ModLast; ++Position) {
-            EditBox_->SetMousePointer(WaitPointer);
+            EditBox_->SetMousePointer(rtfWaitPointer);
             const char Byte = Bytes[Position - ModFirst];
             if (Byte == CR) {
                 if (InComment) {
@@ -244,5 +242,5 @@ void SyntaxHighlighterType::HighlightSyntax(int32_t ModFirst, int32_t ModLast) {
     EditBox_->SetSelStart(ModFirst);
     EditBox_->SetSelLength(0);
     SetNeutralSelectionColor();
-    EditBox_->SetMousePointer(DefaultPointer);
+    EditBox_->SetMousePointer(rtfDefaultPointer);
 }

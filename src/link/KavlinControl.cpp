@@ -442,6 +442,20 @@ void KavlinControl::SetUpProgressBar(int32_t StartingAddress, int32_t Length) {
     PBar->setMaximum(Single(static_cast<double>(StartingAddress) + Length + 1));
 }
 
+QByteArray KavlinControl::ReadWholeBlocks(int32_t StartingAddress, int32_t& Remaining) {
+    QByteArray Result;
+    int32_t Current = StartingAddress;
+    while (Remaining >= ReadBlockSize) {
+        Port->Output(ReadBlockFrame());
+        WaitForOutputDrain();
+        Result.append(Port->Input());
+        Remaining -= ReadBlockSize;
+        Current += ReadBlockSize;
+        PBar->setValue(Single(Current));
+    }
+    return Result;
+}
+
 void KavlinControl::ReadExternalEEprom(int32_t StartingAddress, int32_t Length, ByteBlock& Block) {
     SetUpProgressBar(StartingAddress, Length);
     PBar->setValue(Single(StartingAddress));
@@ -453,17 +467,8 @@ void KavlinControl::ReadExternalEEprom(int32_t StartingAddress, int32_t Length, 
     // What came back while the read was set up is not data.
     ClearInput();
 
-    QByteArray Result;
     int32_t Remaining = Length;
-    int32_t Current = StartingAddress;
-    while (Remaining >= ReadBlockSize) {
-        Port->Output(ReadBlockFrame());
-        WaitForOutputDrain();
-        Result.append(Port->Input());
-        Remaining -= ReadBlockSize;
-        Current += ReadBlockSize;
-        PBar->setValue(Single(Current));
-    }
+    QByteArray Result = ReadWholeBlocks(StartingAddress, Remaining);
     if (Remaining > 0) {
         Port->Output(ReadTailFrame(Remaining));
         WaitForOutputDrain();
@@ -556,17 +561,8 @@ void KavlinControl::WriteExternalEEprom(int32_t StartingAddress, int32_t Length,
         WaitForOutputDrain();
         UtilitiesKGUI::Sleep(200);
         ClearInput();
-        QByteArray ReadBack;
         Remaining = Length;
-        Current = StartingAddress;
-        while (Remaining >= ReadBlockSize) {
-            Port->Output(ReadBlockFrame());
-            WaitForOutputDrain();
-            ReadBack.append(Port->Input());
-            Remaining -= ReadBlockSize;
-            Current += ReadBlockSize;
-            PBar->setValue(Single(Current));
-        }
+        QByteArray ReadBack = ReadWholeBlocks(StartingAddress, Remaining);
         // Unlike the plain read there is no last look when nothing is left:
         // bytes of the last block still on their way fail the comparison.
         if (Remaining > 0) {

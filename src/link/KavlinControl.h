@@ -74,6 +74,9 @@ class KavlinControl : public QWidget {
     void resizeEvent(QResizeEvent* Event) override;
 
   private:
+    // The external EEPROM's read stream, a whole block at a time while one is
+    // left; Remaining comes back as what the last, shorter block must take.
+    QByteArray ReadWholeBlocks(int32_t StartingAddress, int32_t& Remaining);
     // Reset and continue: the monitor lets go of a halted chip.
     void ReleaseChip(const QByteArray& Request, DownloaderStatusTypes& Status);
     void StopChip();

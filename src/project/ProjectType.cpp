@@ -14,6 +14,18 @@
 namespace {
 ProjectEditorHost* Host() { return ProjectEditorHost::Instance(); }
 
+// The whole project file in one step; a failure is told with its number.
+void WriteProjectFile(const QString& Filename, const QByteArray& Bytes) {
+    int32_t Number = 0;
+    QString Description;
+    if (!ModuleFile::WriteBytes(Filename, Bytes, Number, Description)) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Error writing project file ") + Filename +
+                                           QStringLiteral("\nError ") + QString::number(Number) +
+                                           QStringLiteral(", ") + Description,
+                                       QStringLiteral("Project Write Error"));
+    }
+}
+
 void DisplayKVBfilename(const QString& Filename) {
     if (ProjectEditorHost* Editor = Host()) {
         Editor->DisplayKVBfilename(Filename);
@@ -100,15 +112,7 @@ void ProjectType::SaveFileKVP() {
     for (const QString& Line : ProjectFileLines()) {
         Bytes += Line.toUtf8() + "\r\n";
     }
-    const QString Filename = UtilitiesFilename::MakeFilename(Path_, Name_, Extension_);
-    int32_t Number = 0;
-    QString Description;
-    if (!ModuleFile::WriteBytes(Filename, Bytes, Number, Description)) {
-        ErrorDisplay::ShowErrorMessage(QStringLiteral("Error writing project file ") + Filename +
-                                           QStringLiteral("\nError ") + QString::number(Number) +
-                                           QStringLiteral(", ") + Description,
-                                       QStringLiteral("Project Write Error"));
-    }
+    WriteProjectFile(UtilitiesFilename::MakeFilename(Path_, Name_, Extension_), Bytes);
 }
 
 void ProjectType::SaveModuleFile(int16_t ModuleNumber) {
@@ -228,15 +232,8 @@ void ProjectType::OpenProject(const QString& NewPath, const QString& NewName,
 
     const QString Filename = GlobalData::ProjectFilename;
     if (IsNewProject) {
-        int32_t Number = 0;
-        QString Description;
-        if (!ModuleFile::WriteBytes(Filename, QByteArrayLiteral("\r\n"), Number, Description)) {
-            ErrorDisplay::ShowErrorMessage(QStringLiteral("Error writing project file ") +
-                                               Filename + QStringLiteral("\nError ") +
-                                               QString::number(Number) + QStringLiteral(", ") +
-                                               Description,
-                                           QStringLiteral("Project Write Error"));
-        }
+        // A project without modules: one empty line.
+        WriteProjectFile(Filename, QByteArrayLiteral("\r\n"));
         PRFfile_->WriteNewFile();
     } else {
         QFile File(UtilitiesFilename::LocalFilename(Filename));
