@@ -3,6 +3,9 @@
 int ScriptedMessageBoxService::Show(const QString& Text, const QString& Title,
                                     MsgBoxButtons Buttons, MsgBoxIcon /*Icon*/) {
     Boxes.append(Box{Text, Title, Buttons});
+    if (WhileShown) {
+        WhileShown(Boxes.last());
+    }
     if (Answers.empty()) {
         return DefaultAnswer(Buttons);
     }

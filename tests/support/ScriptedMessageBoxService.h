@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <deque>
+#include <functional>
 
 #include "platform/MessageBoxService.h"
 
@@ -23,4 +24,6 @@ class ScriptedMessageBoxService : public MessageBoxService {
     void QueueAnswer(int Answer) { Answers.push_back(Answer); }
     QList<Box> Boxes;
     std::deque<int> Answers;
+    // Runs while a box is up, before it is answered: what the user sees then.
+    std::function<void(const Box&)> WhileShown;
 };

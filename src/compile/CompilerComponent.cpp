@@ -1,0 +1,172 @@
+#include "compile/CompilerComponent.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLibrary>
+
+#include "platform/ErrObject.h"
+
+namespace {
+
+// The run-time error number of an object that cannot be created.
+constexpr int32_t CannotCreateObject = 429;
+
+[[noreturn]] void CannotCreate(const QString& File, const QString& Reason) {
+    RaiseError(CannotCreateObject,
+               QStringLiteral("Can't find compiler DLL:  ") + File + QStringLiteral("\n") + Reason);
+}
+
+KvBool ToKvBool(bool Value) { return Value ? KVCOMP_TRUE : KVCOMP_FALSE; }
+
+// Any value but 0 counts as True, as it did for the component's first users.
+bool FromKvBool(KvBool Value) { return Value != KVCOMP_FALSE; }
+
+QString FromKvText(const KvChar* Text) {
+    return Text == nullptr ? QString() : QString::fromUtf16(reinterpret_cast<const char16_t*>(Text));
+}
+
+const KvChar* ToKvText(const QString& Text) { return reinterpret_cast<const KvChar*>(Text.utf16()); }
+
+bool TableIsComplete(const KvCompilerOps* Ops) {
+    return Ops != nullptr && Ops->SetLibraryPath && Ops->GetVersion && Ops->SetStringSize &&
+           Ops->SetChipFamilyFlag && Ops->SetStrictSyntax && Ops->SetWindowCenter &&
+           Ops->SetChipType && Ops->SetOptimize && Ops->GetRamSize && Ops->GetCodeSize &&
+           Ops->GetPersistentSize && Ops->SetRamBoundaries && Ops->SetCodeBoundaries &&
+           Ops->SetPersistentBoundaries && Ops->RunCompile;
+}
+
+}  // namespace
+
+CompilerComponent::CompilerComponent(std::unique_ptr<QLibrary> Library, KvCompiler* Object,
+                                     QString Filename)
+    : Library_(std::move(Library)), Object_(Object), Filename_(std::move(Filename)) {}
+
+// The library stays loaded: the object it made is never destroyed, and its
+// code may still be referenced by it.
+CompilerComponent::~CompilerComponent() { (void)Library_.release(); }
+
+std::unique_ptr<CompilerComponent> CompilerComponent::Load(const QStringList& Directories) {
+    const QString LibraryName = QString::fromLatin1(KVCOMP_LIBRARY_NAME);
+    QString Filename;
+    for (const QString& Directory : Directories) {
+        if (Directory.trimmed().isEmpty()) {
+            continue;
+        }
+        const QFileInfo Candidate(QDir(Directory), LibraryName);
+        if (Candidate.isFile()) {
+            Filename = Candidate.absoluteFilePath();
+            break;
+        }
+    }
+    if (Filename.isEmpty()) {
+        QStringList Searched;
+        for (const QString& Directory : Directories) {
+            if (!Directory.trimmed().isEmpty()) {
+                Searched << Directory;
+            }
+        }
+        CannotCreate(LibraryName, Searched.isEmpty()
+                                      ? QStringLiteral("No directory to look in.")
+                                      : QStringLiteral("Not found in ") +
+                                            Searched.join(QStringLiteral(" nor in ")) +
+                                            QStringLiteral("."));
+    }
+    auto Library = std::make_unique<QLibrary>(Filename);
+    if (!Library->load()) {
+        CannotCreate(Filename, Library->errorString());
+    }
+    const auto Create = reinterpret_cast<KvCompCreateFunction>(
+        Library->resolve(KVCOMP_CREATE_FUNCTION));
+    if (Create == nullptr) {
+        CannotCreate(Filename, QStringLiteral("The library has no function ") +
+                                   QString::fromLatin1(KVCOMP_CREATE_FUNCTION) +
+                                   QStringLiteral("."));
+    }
+    KvCompiler* Object = Create();
+    if (Object == nullptr) {
+        CannotCreate(Filename, QStringLiteral("The component made no compiler object."));
+    }
+    if (!TableIsComplete(Object->Ops)) {
+        CannotCreate(Filename, QStringLiteral("The compiler object lacks operations."));
+    }
+    return std::unique_ptr<CompilerComponent>(
+        new CompilerComponent(std::move(Library), Object, Filename));
+}
+
+void CompilerComponent::SetLibraryPath(const QString& Path, bool& Success) {
+    KvBool Result = KVCOMP_FALSE;
+    Object_->Ops->SetLibraryPath(Object_, ToKvText(Path), &Result);
+    Success = FromKvBool(Result);
+}
+
+void CompilerComponent::GetVersion(int16_t& Major, int16_t& Minor, int16_t& Revision) {
+    Object_->Ops->GetVersion(Object_, &Major, &Minor, &Revision);
+}
+
+void CompilerComponent::SetStringSize(int16_t Size, bool& Success) {
+    KvBool Result = KVCOMP_FALSE;
+    Object_->Ops->SetStringSize(Object_, Size, &Result);
+    Success = FromKvBool(Result);
+}
+
+void CompilerComponent::SetChipFamilyFlag(bool Value) {
+    Object_->Ops->SetChipFamilyFlag(Object_, ToKvBool(Value));
+}
+
+void CompilerComponent::SetStrictSyntax(bool Value) {
+    Object_->Ops->SetStrictSyntax(Object_, ToKvBool(Value));
+}
+
+void CompilerComponent::SetWindowCenter(bool Flag, int32_t CenterY, int32_t CenterX) {
+    Object_->Ops->SetWindowCenter(Object_, ToKvBool(Flag), CenterY, CenterX);
+}
+
+void CompilerComponent::SetChipType(int16_t ChipType) {
+    Object_->Ops->SetChipType(Object_, ChipType);
+}
+
+void CompilerComponent::SetOptimize(bool Value) {
+    Object_->Ops->SetOptimize(Object_, ToKvBool(Value));
+}
+
+void CompilerComponent::GetRamSize(int32_t& Size) { Object_->Ops->GetRamSize(Object_, &Size); }
+
+void CompilerComponent::GetCodeSize(int32_t& Size) { Object_->Ops->GetCodeSize(Object_, &Size); }
+
+void CompilerComponent::GetPersistentSize(int32_t& Size) {
+    Object_->Ops->GetPersistentSize(Object_, &Size);
+}
+
+void CompilerComponent::SetRamBoundaries(int32_t Low, int32_t High, bool& Success) {
+    KvBool Result = KVCOMP_FALSE;
+    Object_->Ops->SetRamBoundaries(Object_, Low, High, &Result);
+    Success = FromKvBool(Result);
+}
+
+void CompilerComponent::SetCodeBoundaries(int32_t Low, int32_t High, bool& Success) {
+    KvBool Result = KVCOMP_FALSE;
+    Object_->Ops->SetCodeBoundaries(Object_, Low, High, &Result);
+    Success = FromKvBool(Result);
+}
+
+void CompilerComponent::SetPersistentBoundaries(int32_t Low, int32_t High, bool& Success) {
+    KvBool Result = KVCOMP_FALSE;
+    Object_->Ops->SetPersistentBoundaries(Object_, Low, High, &Result);
+    Success = FromKvBool(Result);
+}
+
+void CompilerComponent::RunCompile(const QString& ProjectFilename, bool& Success,
+                                   int16_t& ModuleNumber, int16_t& LineNumber,
+                                   int16_t& ColumnNumber, int32_t& EndPosition,
+                                   int32_t& StartPosition, int32_t& ErrorNumber,
+                                   QString& ErrorDescription, QString& WarningDescription) {
+    KvBool Result = KVCOMP_FALSE;
+    const KvChar* Error = nullptr;
+    const KvChar* Warnings = nullptr;
+    Object_->Ops->RunCompile(Object_, ToKvText(ProjectFilename), &Result, &ModuleNumber,
+                             &LineNumber, &ColumnNumber, &EndPosition, &StartPosition,
+                             &ErrorNumber, &Error, &Warnings);
+    Success = FromKvBool(Result);
+    ErrorDescription = FromKvText(Error);
+    WarningDescription = FromKvText(Warnings);
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <cstdint>
+#include <memory>
+
+#include "compile/KvCompInterface.h"
+
+class QLibrary;
+
+// The compiler component with this system's types: Booleans as bool, texts as
+// QString. Load() finds libKvComp141.so, loads it and makes its one object.
+class CompilerComponent {
+  public:
+    ~CompilerComponent();
+    CompilerComponent(const CompilerComponent&) = delete;
+    CompilerComponent& operator=(const CompilerComponent&) = delete;
+
+    // Looks in each directory in turn and takes the first library found.
+    // Raises run-time error 429 with "Can't find compiler DLL:  " and the
+    // reason when no object can be made.
+    static std::unique_ptr<CompilerComponent> Load(const QStringList& Directories);
+
+    // The full name of the library that was loaded.
+    const QString& Filename() const { return Filename_; }
+
+    void SetLibraryPath(const QString& Path, bool& Success);
+    void GetVersion(int16_t& Major, int16_t& Minor, int16_t& Revision);
+    void SetStringSize(int16_t Size, bool& Success);
+    void SetChipFamilyFlag(bool Value);
+    void SetStrictSyntax(bool Value);
+    void SetWindowCenter(bool Flag, int32_t CenterY, int32_t CenterX);
+    void SetChipType(int16_t ChipType);
+    void SetOptimize(bool Value);
+    void GetRamSize(int32_t& Size);
+    void GetCodeSize(int32_t& Size);
+    void GetPersistentSize(int32_t& Size);
+    void SetRamBoundaries(int32_t Low, int32_t High, bool& Success);
+    void SetCodeBoundaries(int32_t Low, int32_t High, bool& Success);
+    void SetPersistentBoundaries(int32_t Low, int32_t High, bool& Success);
+    void RunCompile(const QString& ProjectFilename, bool& Success, int16_t& ModuleNumber,
+                    int16_t& LineNumber, int16_t& ColumnNumber, int32_t& EndPosition,
+                    int32_t& StartPosition, int32_t& ErrorNumber, QString& ErrorDescription,
+                    QString& WarningDescription);
+
+  private:
+    CompilerComponent(std::unique_ptr<QLibrary> Library, KvCompiler* Object, QString Filename);
+
+    std::unique_ptr<QLibrary> Library_;
+    KvCompiler* Object_;
+    QString Filename_;
+};

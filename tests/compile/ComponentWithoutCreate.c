@@ -1,0 +1,5 @@
+/* A library that has the component's name but not its creation function,
+   for the loader's check. Plain C, so the interface header is compiled as C. */
+#include "compile/KvCompInterface.h"
+
+__attribute__((visibility("default"))) KvCompiler* KvCompMake(void) { return 0; }
