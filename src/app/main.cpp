@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "compile/CompilerCentral.h"
 #include "editor/EditBoxModuleWindow.h"
 #include "frame/CommandLineInterpreter.h"
 #include "frame/ErrorDisplay.h"
@@ -57,6 +58,7 @@ int main(int argc, char** argv) {
     }
     ClipboardService::Install(std::make_unique<QtClipboardService>());
     ProjectModel::RegisterWithFrame();
+    CompilerCentral::RegisterWithFrame();
     ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
     // The "simulated chip" port entry: the whole system runs without hardware.
     const auto SimulatedChip = std::make_shared<SimulatedSerialLine>();

@@ -126,7 +126,7 @@ void RunSequence(bool& Success) {
         return;
     }
     Compiler.SetChipFamilyFlag(ChipType == 2 || ChipType == 3);
-    const FormGeometry Window = Host.WindowGeometry();
+    const FormGeometry Window = Host.CurrentGeometry();
     Compiler.SetWindowCenter(true, Middle(Window.Top, Window.Height),
                              Middle(Window.Left, Window.Width));
 

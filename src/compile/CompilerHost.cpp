@@ -50,7 +50,7 @@ void CompilerHost::DisplayCommandLineError(int16_t ModuleNumber, int16_t, int16_
     ErrorDisplay::LogError(QString());
 }
 
-FormGeometry HeadlessCompilerHost::WindowGeometry() {
+FormGeometry HeadlessCompilerHost::CurrentGeometry() const {
     FormGeometry Geometry;
     RegistryCentral::RegistryGetEditorGeometry(Geometry);
     return Geometry;

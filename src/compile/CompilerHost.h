@@ -20,7 +20,7 @@ class CompilerHost {
     virtual void ShowStatusPanel(int Panel, const QString& Text) = 0;
     virtual void mnuChipDialog_Click() = 0;
     // The window's place and size in twips.
-    virtual FormGeometry WindowGeometry() = 0;
+    virtual FormGeometry CurrentGeometry() const = 0;
 
     // Panel 3 "Errors", the module's window to the front with the error's
     // text selected, the message, and the selection again after the box.
@@ -45,7 +45,7 @@ class HeadlessCompilerHost : public CompilerHost {
     void ShowStatusPanel(int, const QString&) override {}
     void mnuChipDialog_Click() override {}
     // The editor window where it would open: its stored place.
-    FormGeometry WindowGeometry() override;
+    FormGeometry CurrentGeometry() const override;
 
     QString WarningDescription;
     QString CompileStatus;

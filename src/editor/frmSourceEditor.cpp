@@ -8,6 +8,8 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "compile/CompilerCentral.h"
+#include "compile/frmCompileStatus.h"
 #include "editor/frmEditBoxType.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/ErrorDisplay.h"
@@ -49,6 +51,7 @@ frmSourceEditor::frmSourceEditor() {
             &frmSourceEditor::tabEditTabStrip_Click);
     SourceEditorHost::Install(this);
     ProjectEditorHost::Install(this);
+    CompilerHost::Install(this);
     // MDIForm_Load.
     InitializeEditor();
     InitializeRecentProjectList();
@@ -61,6 +64,7 @@ frmSourceEditor::~frmSourceEditor() {
     if (ProjectEditorHost::Instance() == this) {
         ProjectEditorHost::Install(nullptr);
     }
+    CompilerHost::Uninstall(this);
     GlobalData::SetEditorIsOpen(false);
 }
 
@@ -152,13 +156,15 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuEditPaste, &QAction::triggered, this, &frmSourceEditor::mnuEditPaste_Click);
     connect(mnuEditDelete, &QAction::triggered, this, &frmSourceEditor::mnuEditDelete_Click);
     connect(mnuEditSelectAll, &QAction::triggered, this, &frmSourceEditor::mnuEditSelectAll_Click);
+    connect(mnuCompile, &QAction::triggered, this, &frmSourceEditor::mnuCompile_Click);
     connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
+    connect(mnuCompileStatus, &QAction::triggered, this, &frmSourceEditor::mnuCompileStatus_Click);
     connect(mnuWindowCascade, &QAction::triggered, mdiArea, &QMdiArea::cascadeSubWindows);
     connect(mnuWindowTileHorizontal, &QAction::triggered, mdiArea, &QMdiArea::tileSubWindows);
     connect(mnuWindowTileVertical, &QAction::triggered, mdiArea, &QMdiArea::tileSubWindows);
     connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
-    // Not yet: find and replace, compile, compile status, the options, chip,
-    // project files and watch window dialogs come with their own parts.
+    // Not yet: find and replace, the options, chip, project files and watch
+    // window dialogs come with their own parts.
 }
 
 void frmSourceEditor::BuildToolBar() {
@@ -209,6 +215,7 @@ void frmSourceEditor::InitializeStatusBar() {
         auto* Panel = new QLabel(this);
         Panel->setObjectName(QStringLiteral("sbrStatus_Panel%1").arg(Index));
         Panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        Panel->installEventFilter(this);
         statusBar()->addWidget(Panel, Index == 4 ? 1 : 0);
         sbrStatus << Panel;
     }
@@ -629,7 +636,80 @@ void frmSourceEditor::mnuCompileAndRun_Click() {
             return;
         }
     }
-    // Not yet: the compile and the hand-over to the downloader come with the compiler.
+    bool Success = false;
+    CompileProject(Success);
+    // Not yet: the hand-over to the downloader's download and start comes with the download.
+}
+
+void frmSourceEditor::mnuCompile_Click() {
+    bool Success = false;
+    CompileProject(Success);
+}
+
+void frmSourceEditor::CompileProject(bool& Success) {
+    Success = false;
+    // The compiler reads the modules from disk: whatever is compiled is saved first.
+    if (!RegistryCentral::RegistryGetSaveFile()) {
+        for (int16_t Number = 1; Number <= Project().ModuleCount(); ++Number) {
+            if (!Project().HasChanged(Number)) {
+                continue;
+            }
+            QString Path;
+            QString Name;
+            QString Extension;
+            Project().GetModuleName(Number, Path, Name, Extension);
+            const int Answer = ErrorDisplay::AskYesNoCancel(
+                QStringLiteral("Save changes to ") + Name + QStringLiteral("?"),
+                QStringLiteral("Save Module"));
+            if (Answer != 6) {
+                ErrorDisplay::ShowErrorMessage(QStringLiteral("Compile cancelled"),
+                                               QStringLiteral("Compile Cancelled"));
+                return;
+            }
+            Project().SaveModule(Number);
+        }
+    }
+    Project().SaveAll();
+    bool Installed = false;
+    DirectoryCentral::CheckInstallation(Installed);
+    if (!Installed) {
+        return;
+    }
+    CompilerCentral::CompileAll(Success);
+}
+
+void frmSourceEditor::mnuCompileStatus_Click() { ShowCompileStatus(); }
+
+void frmSourceEditor::ShowCompileStatus() {
+    frmCompileStatus& Status = Global<frmCompileStatus>::Get();
+    Status.setParent(this, Status.windowFlags());
+    QString Text = CompileStatus + QStringLiteral("\r\n\r\n") + WarningDescription;
+    Status.txtCompileStatus->setPlainText(Text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    Status.exec();
+    Global<frmCompileStatus>::Unload();
+}
+
+bool frmSourceEditor::eventFilter(QObject* Watched, QEvent* Event) {
+    if (Event->type() == QEvent::MouseButtonPress &&
+        sbrStatus.contains(qobject_cast<QLabel*>(Watched))) {
+        ShowCompileStatus();
+        return true;
+    }
+    return QMainWindow::eventFilter(Watched, Event);
+}
+
+void frmSourceEditor::SetWarningDescription(const QString& Text) { WarningDescription = Text; }
+
+void frmSourceEditor::SetCompileStatus(const QString& Text) { CompileStatus = Text; }
+
+void frmSourceEditor::ShowStatusPanel(int Panel, const QString& Text) {
+    if (Panel >= 1 && Panel <= sbrStatus.size()) {
+        sbrStatus[Panel - 1]->setText(Text);
+    }
+}
+
+void frmSourceEditor::mnuChipDialog_Click() {
+    // Not yet: the chip dialogs come with their own part; the preference file is left as it is.
 }
 
 void frmSourceEditor::mnuAbout_Click() {

@@ -10,6 +10,7 @@
 #include <QVector>
 #include <functional>
 
+#include "compile/CompilerHost.h"
 #include "editor/EditBoxModel.h"
 #include "editor/SourceEditorHost.h"
 #include "frame/FormGeometry.h"
@@ -20,8 +21,12 @@ class frmEditBoxType;
 
 // The editor's main window: the module windows in a multi-document area, a
 // tab per module, the menus and tool bar that turn commands into calls on
-// the project, and a status bar.
-class frmSourceEditor : public QMainWindow, public SourceEditorHost, public ProjectEditorHost {
+// the project, and a status bar. It is the compile's host: HighlightSourceError
+// and DisplayCommandLineError are CompilerHost's.
+class frmSourceEditor : public QMainWindow,
+                        public SourceEditorHost,
+                        public ProjectEditorHost,
+                        public CompilerHost {
     Q_OBJECT
   public:
     frmSourceEditor();
@@ -44,7 +49,11 @@ class frmSourceEditor : public QMainWindow, public SourceEditorHost, public Proj
                             bool& IsNewFile, bool& UserCancelled);
     void PromptToSaveModules(bool AutoSave, bool& Success);
     void DisplayProjectName(const QString& Name);
-    FormGeometry CurrentGeometry() const;
+    FormGeometry CurrentGeometry() const override;
+    // Saves what the user agrees to, checks the installation and compiles.
+    void CompileProject(bool& Success);
+    // The last compile's result and warnings in frmCompileStatus, modally.
+    void ShowCompileStatus();
     // Where the image's name is shown: the downloader's status bar.
     std::function<void(const QString&)> DisplayKvbHook;
 
@@ -59,6 +68,12 @@ class frmSourceEditor : public QMainWindow, public SourceEditorHost, public Proj
     void mnuEditCopy_Click() override;
     void mnuEditPaste_Click() override;
     void mnuEditDelete_Click() override;
+
+    // CompilerHost.
+    void SetWarningDescription(const QString& Text) override;
+    void SetCompileStatus(const QString& Text) override;
+    void ShowStatusPanel(int Panel, const QString& Text) override;
+    void mnuChipDialog_Click() override;
 
     // The module windows' area.
     QMdiArea* mdiArea;
@@ -118,13 +133,17 @@ class frmSourceEditor : public QMainWindow, public SourceEditorHost, public Proj
     void mnuSaveModuleAs_Click();
     void mnuSetWorkingDirectory_Click();
     void mnuEditSelectAll_Click();
+    void mnuCompile_Click();
     void mnuCompileAndRun_Click();
+    void mnuCompileStatus_Click();
     void mnuAbout_Click();
     void barEditorToolbar_ButtonClick(const QString& Key);
     void tabEditTabStrip_Click(int Index);
 
   protected:
     void closeEvent(QCloseEvent* Event) override;
+    // A click on any panel of the status bar opens the compile status.
+    bool eventFilter(QObject* Watched, QEvent* Event) override;
     void resizeEvent(QResizeEvent* Event) override;
 
   private:

@@ -8,6 +8,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "compile/CompilerCentral.h"
 #include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/DumpManager.h"
@@ -423,7 +424,9 @@ void frmDownloader::OpenProject(const QString& Path, const QString& Name,
 }
 
 void frmDownloader::CompileAll() {
-    // Not yet: the compile comes with the compiler component.
+    // The batch does not look at the result: a compile error is in the log.
+    bool Success = false;
+    CompilerCentral::CompileAll(Success);
 }
 
 void frmDownloader::OpenKVBfile(const QString&) {

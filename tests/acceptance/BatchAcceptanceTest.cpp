@@ -2,8 +2,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
+
+#include "chip/PrfImageBuilder.h"
 
 namespace {
 
@@ -28,7 +31,10 @@ class BatchAcceptance : public ::testing::Test {
         Touch(Install + QStringLiteral("/BinKV20/SymbolKV20.sym"));
         Touch(Work + QStringLiteral("/blink.kvp"), "blink.bas\r\n");
         Touch(Work + QStringLiteral("/blink.bas"), "Option Explicit\r\n");
-        Touch(Work + QStringLiteral("/blink.prf"), QByteArray(14 * 615, '\0'));
+        ASSERT_TRUE(PrfImageBuilder().DefaultValues(2).Save(Work + QStringLiteral("/blink.prf")));
+        // The test double of the compiler component, where an installation has it.
+        ASSERT_TRUE(QFile::link(QStringLiteral(KVCOMP_TEST_DOUBLE),
+                                Install + QStringLiteral("/libKvComp141.so")));
         WriteSettings(Install);
     }
 
@@ -53,6 +59,8 @@ class BatchAcceptance : public ::testing::Test {
         Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
         Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
         Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), Runtime);
+        Environment.insert(QStringLiteral("KVCOMP_TEST_SCRIPT"), Root.filePath(QStringLiteral("script.txt")));
+        Environment.insert(QStringLiteral("KVCOMP_TEST_RECORD"), Root.filePath(QStringLiteral("record.txt")));
         Program.setProcessEnvironment(Environment);
         Program.setWorkingDirectory(Root.path());
         Program.start(QStringLiteral(KAVLIN_PROGRAM), Arguments);
@@ -65,6 +73,17 @@ class BatchAcceptance : public ::testing::Test {
         }
         StandardError = QString::fromUtf8(Program.readAllStandardError());
         return Program.exitCode();
+    }
+
+    // What the test double of the compiler is to answer.
+    void Script(const QByteArray& Lines) { Touch(Root.filePath(QStringLiteral("script.txt")), Lines); }
+    // The calls the test double received.
+    QStringList ComponentCalls() const {
+        QFile Record(Root.filePath(QStringLiteral("record.txt")));
+        if (!Record.open(QIODevice::ReadOnly)) {
+            return {};
+        }
+        return QString::fromUtf8(Record.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
 
     QStringList LogLines() const {
@@ -116,7 +135,7 @@ TEST_F(BatchAcceptance, CompileOfAProjectInTheWorkPathLogsItsFullNameAndDone) {
 
 TEST_F(BatchAcceptance, CompileLoadsTheProjectAndLogsAModuleThatWontOpen) {
     Touch(Work + QStringLiteral("/bad.kvp"), "blink.bas\r\n1abc.bas\r\n");
-    Touch(Work + QStringLiteral("/bad.prf"), QByteArray(14 * 615, '\0'));
+    ASSERT_TRUE(PrfImageBuilder().DefaultValues(2).Save(Work + QStringLiteral("/bad.prf")));
     Touch(Work + QStringLiteral("/1abc.bas"), "x");
     Touch(Work + QStringLiteral("/bad.kvb"), QByteArray(10, '\0'));
     Run({QStringLiteral("bad"), QStringLiteral("/c"), QStringLiteral("/d")});
@@ -230,6 +249,64 @@ TEST_F(BatchAcceptance, BatchKeepsStoredSettingsAndStoresTheWindowGeometry) {
     EXPECT_TRUE(Text.contains(QStringLiteral("Chip_Type=KV30")));
     EXPECT_TRUE(Text.contains(QStringLiteral("Main_Top=200")));
     EXPECT_TRUE(Text.contains(QStringLiteral("Main_Width=6950")));
+}
+
+TEST_F(BatchAcceptance, AGoodCompileLeavesTheImageAndCompileAndDoneInTheLog) {
+    Touch(Work + QStringLiteral("/blink.bas"), "Option Explicit\r\nDim x As Integer\r\n");
+    Script("sizes=1024,40,0\n");
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+                           QStringLiteral("Done.")}));
+    EXPECT_EQ(QFileInfo(Work + QStringLiteral("/blink.kvb")).size(), 1024);
+    EXPECT_TRUE(QFile::exists(Work + QStringLiteral("/blink.kvm")));
+    const QStringList Calls = ComponentCalls();
+    // The version is asked at start-up only; a batch compile does not check the installation again.
+    EXPECT_EQ(Calls.filter(QStringLiteral("GetVersion")).size(), 1);
+    EXPECT_TRUE(Calls.contains(QStringLiteral("RunCompile(") + Work + QStringLiteral("/blink.kvp)")));
+    EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error"))) << StandardError.toStdString();
+}
+
+TEST_F(BatchAcceptance, ACompileErrorLeavesTheErrorBlockAndNoDownload) {
+    Touch(Work + QStringLiteral("/blink.kvp"), "blink.bas\r\nled.bas\r\n");
+    Touch(Work + QStringLiteral("/led.bas"), "Sub Led()\r\n  x = 1\r\nEnd Sub\r\n");
+    Script("fail_at=x = 1\ndescription=Variable not defined\n");
+    Run({QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d")});
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /c /d"), QString(),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+                           QString(),
+                           QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
+                           QString(), QStringLiteral("Variable not defined"),
+                           QStringLiteral("Column 3 :"), QString(), QStringLiteral("Done.")}));
+    EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
+}
+
+TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsTheError) {
+    QFile::remove(Install + QStringLiteral("/libKvComp141.so"));
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_TRUE(StandardError.contains(
+        QStringLiteral("[Installation Error] Can't find compiler DLL:  libKvComp141.so")))
+        << StandardError.toStdString();
+    const QStringList Lines = LogLines();
+    ASSERT_GE(Lines.size(), 5);
+    EXPECT_EQ(Lines[2], QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"));
+    const QString Report = Lines.mid(3, Lines.size() - 4).join(QLatin1Char('\n'));
+    EXPECT_TRUE(Report.contains(QStringLiteral("606"))) << Report.toStdString();
+    EXPECT_TRUE(Report.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so\nNot found in ")))
+        << Report.toStdString();
+    EXPECT_EQ(Lines.last(), QStringLiteral("Done."));
+    EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
+}
+
+TEST_F(BatchAcceptance, AnotherComponentVersionIsReportedAtStartUpOnly) {
+    Script("version=2.0.23\n");
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Installation Error] Compiler DLL version mismatch:")))
+        << StandardError.toStdString();
+    EXPECT_TRUE(StandardError.contains(QStringLiteral("Actual version:  2.0.23")));
+    EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ class RecordingCompilerHost : public CompilerHost {
         PanelWrites << QStringLiteral("%1:%2").arg(Panel).arg(Text);
     }
     void mnuChipDialog_Click() override { ++ChipDialogs; }
-    FormGeometry WindowGeometry() override { return Geometry; }
+    FormGeometry CurrentGeometry() const override { return Geometry; }
     void HighlightSourceError(int32_t EndPosition, int32_t StartPosition, int16_t ModuleNumber,
                               const QString& ErrorDescription) override {
         Highlights << QStringLiteral("%1,%2,%3,%4")

@@ -99,6 +99,14 @@ TEST_F(ErrorDisplayTest, InABatchAMultiLineMessageIsOneEntry) {
     EXPECT_EQ(ReadLogBytes(), QByteArray("first\r\nsecond\r\nafter\r\n"));
 }
 
+TEST_F(ErrorDisplayTest, InABatchABoxTextsLineBreaksBecomeTheLogsCarriageReturnAndLineFeed) {
+    EnterBatch();
+    ErrorDisplay::OpenLogFile();
+    ErrorDisplay::ShowErrorMessage(QStringLiteral("first\n\nthird\r\nfourth"), QString());
+    ErrorDisplay::CloseLogFile();
+    EXPECT_EQ(ReadLogBytes(), QByteArray("first\r\n\r\nthird\r\nfourth\r\n"));
+}
+
 TEST_F(ErrorDisplayTest, InABatchWithTheLogClosedAMessageStillSetsErrorWasLogged) {
     EnterBatch();
     ErrorDisplay::ShowErrorMessage(QStringLiteral("Lost"), QStringLiteral("T"));
