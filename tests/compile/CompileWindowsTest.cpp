@@ -1,0 +1,267 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QMdiSubWindow>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+
+#include "CompileFixture.h"
+#include "compile/CompilerCentral.h"
+#include "compile/frmCompileStatus.h"
+#include "editor/EditBoxModuleWindow.h"
+#include "editor/frmEditBoxType.h"
+#include "editor/frmSourceEditor.h"
+#include "frame/DirectoryCentral.h"
+#include "frame/TwipsConversion.h"
+#include "link/frmDownloader.h"
+#include "platform/ClipboardService.h"
+#include "platform/Global.h"
+#include "project/ProjectType.h"
+#include "support/QtPrinters.h"
+
+namespace {
+
+class CompileWindowsTest : public CompileFixture {
+  protected:
+    void SetUp() override {
+        CompileFixture::SetUp();
+        ClipboardService::Install(std::make_unique<MemoryClipboardService>());
+        ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
+        // As the program does: the installation check asks the component.
+        CompilerCentral::RegisterWithFrame();
+        Editor = &Global<frmSourceEditor>::Get();
+        Editor->show();
+        Settle();
+    }
+    void TearDown() override {
+        Global<ProjectType>::Unload();
+        Global<frmSourceEditor>::Unload();
+        Global<frmDownloader>::Unload();
+        frmDownloader::ResetProcessEnded();
+        DirectoryCentral::SetCompilerVersionCheck(nullptr);
+        CompileFixture::TearDown();
+    }
+    static void Settle() { QCoreApplication::processEvents(); }
+    void OpenBlink() {
+        MakeProject(QStringLiteral("blink"),
+                    {{QStringLiteral("main"), "Option Explicit\r\nDim x As Integer\r\n"},
+                     {QStringLiteral("led"), "Sub Led()\r\n  x = 1\r\nEnd Sub\r\n"}});
+        // The preference file now exists, so the editor opens without a question.
+        Project().PRFfile().WriteNewFile();
+        Global<ProjectType>::Unload();
+        Boxes->Boxes.clear();
+        Editor->OpenProject(Work, QStringLiteral("blink"), QStringLiteral("kvp"), false);
+        Settle();
+    }
+    frmEditBoxType* Module(int Number) {
+        for (QMdiSubWindow* Sub : Editor->mdiArea->subWindowList()) {
+            auto* Box = qobject_cast<frmEditBoxType*>(Sub->widget());
+            if (Box != nullptr && Box->Model().ModuleNumber() == Number) {
+                return Box;
+            }
+        }
+        return nullptr;
+    }
+    QString Selected(int Number) {
+        return Module(Number)->rtfEditBox->textCursor().selectedText();
+    }
+    QByteArray FileBytes(const QString& Name) const {
+        QFile File(Work + QLatin1Char('/') + Name);
+        return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<none>");
+    }
+    QString Panel(int Number) const { return Editor->sbrStatus[Number - 1]->text(); }
+    // Runs Inspect on the status window once it is up, then presses its OK.
+    void WhenStatusWindowOpens(std::function<void(frmCompileStatus&)> Inspect) {
+        auto* Poll = new QTimer(Editor);
+        Poll->setInterval(5);
+        QObject::connect(Poll, &QTimer::timeout, Poll, [this, Poll, Inspect] {
+            auto* Status = qobject_cast<frmCompileStatus*>(QApplication::activeModalWidget());
+            if (Status == nullptr) {
+                return;
+            }
+            Poll->stop();
+            Poll->deleteLater();
+            ++StatusWindowsSeen;
+            Inspect(*Status);
+            QTest::mouseClick(Status->cmdOK, Qt::LeftButton);
+        });
+        Poll->start();
+    }
+
+    frmSourceEditor* Editor = nullptr;
+    int StatusWindowsSeen = 0;
+};
+
+TEST_F(CompileWindowsTest, CompileAsksToSaveAChangedModuleThenCompilesWhatIsOnDisk) {
+    SetSetting(QStringLiteral("Save_File"), QStringLiteral("False"));
+    OpenBlink();
+    QTest::keyClicks(Module(2)->rtfEditBox, QStringLiteral("' "));
+    Boxes->QueueAnswer(6);
+    Editor->mnuCompile->trigger();
+    ASSERT_EQ(BoxTexts(), QStringList{QStringLiteral("Save Module|Save changes to led?")});
+    EXPECT_TRUE(FileBytes(QStringLiteral("led.bas")).startsWith("' Sub Led()"));
+    EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")).size(), 1);
+    EXPECT_EQ(Panel(3), QStringLiteral("Ok"));
+    EXPECT_TRUE(Panel(4).startsWith(QStringLiteral("Compiled OK, Code: ")));
+    EXPECT_EQ(Editor->CompileStatus, Panel(4));
+}
+
+TEST_F(CompileWindowsTest, AnyAnswerButYesCancelsTheCompile) {
+    SetSetting(QStringLiteral("Save_File"), QStringLiteral("False"));
+    OpenBlink();
+    for (const int Answer : {7, 2}) {
+        QTest::keyClicks(Module(2)->rtfEditBox, QStringLiteral("'"));
+        Boxes->Boxes.clear();
+        Boxes->QueueAnswer(Answer);
+        Editor->mnuCompile->trigger();
+        EXPECT_EQ(BoxTexts(), (QStringList{QStringLiteral("Save Module|Save changes to led?"),
+                                           QStringLiteral("Compile Cancelled|Compile cancelled")}));
+    }
+    EXPECT_EQ(Calls(), QStringList()) << "neither the installation nor the compile was looked at";
+    EXPECT_TRUE(FileBytes(QStringLiteral("led.bas")).startsWith("Sub Led()"));
+}
+
+TEST_F(CompileWindowsTest, WithAutomaticSavingEveryModuleIsSavedWithoutAQuestion) {
+    OpenBlink();
+    QTest::keyClicks(Module(1)->rtfEditBox, QStringLiteral("' "));
+    QTest::keyClicks(Module(2)->rtfEditBox, QStringLiteral("' "));
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxTexts(), QStringList());
+    EXPECT_TRUE(FileBytes(QStringLiteral("main.bas")).startsWith("' Option"));
+    EXPECT_TRUE(FileBytes(QStringLiteral("led.bas")).startsWith("' Sub"));
+    EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")).size(), 1);
+}
+
+TEST_F(CompileWindowsTest, ABrokenInstallationStopsTheCompile) {
+    OpenBlink();
+    Script("version=2.0.23\n");
+    Editor->mnuCompile->trigger();
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Installation Error"));
+    EXPECT_EQ(Calls().filter(QStringLiteral("GetVersion")).size(), 1);
+    EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")), QStringList());
+    Script("");
+    Boxes->Boxes.clear();
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxTexts(), QStringList());
+    EXPECT_EQ(Calls().filter(QStringLiteral("GetVersion")).size(), 2) << "checked before every compile";
+    EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 1);
+}
+
+TEST_F(CompileWindowsTest, F4Compiles) {
+    OpenBlink();
+    Editor->activateWindow();
+    QTest::keyClick(Editor, Qt::Key_F4);
+    EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 1);
+}
+
+TEST_F(CompileWindowsTest, CompileAndRunWithAClosedPortAndNoCompilesNothing) {
+    OpenBlink();
+    Boxes->QueueAnswer(7);
+    Editor->mnuCompileAndRun->trigger();
+    EXPECT_EQ(BoxTexts(),
+              QStringList{QStringLiteral("Download port closed|Download port is closed\nOpen port now?")});
+    EXPECT_EQ(Calls(), QStringList()) << "neither the installation nor the compile was looked at";
+}
+
+TEST_F(CompileWindowsTest, AnErrorInTheSecondModuleBringsItsWindowAndTabToTheFront) {
+    OpenBlink();
+    Editor->ActivateTab(1);
+    Project().ActivateModule(1);
+    Settle();
+    Script("fail_at=x = 1\ndescription=Variable not defined\n");
+    QString SelectedDuringBox;
+    Boxes->WhileShown = [&](const ScriptedMessageBoxService::Box&) { SelectedDuringBox = Selected(2); };
+    Editor->mnuCompile->trigger();
+    Settle();
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|Variable not defined")});
+    EXPECT_EQ(SelectedDuringBox, QStringLiteral("x = 1"));
+    EXPECT_EQ(Selected(2), QStringLiteral("x = 1"));
+    EXPECT_EQ(Editor->mdiArea->activeSubWindow()->widget(), Module(2));
+    EXPECT_EQ(Editor->tabEditTabStrip->currentIndex(), 1);
+    EXPECT_EQ(Panel(3), QStringLiteral("Errors"));
+    EXPECT_EQ(Panel(4), QStringLiteral("Variable not defined"));
+}
+
+TEST_F(CompileWindowsTest, AnErrorAtTheVeryEndSelectsWhatIsLeftAndTheBoxStillComesUp) {
+    OpenBlink();
+    const int32_t Length = Module(1)->Model().Text().size();
+    Script(QStringLiteral("error=1,3,1,%1,%2,9\ndescription=End expected\n")
+               .arg(Length)
+               .arg(Length + 3)
+               .toUtf8());
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|End expected")});
+    EXPECT_EQ(Selected(1), QString());
+    EXPECT_EQ(Module(1)->rtfEditBox->textCursor().position(), Module(1)->rtfEditBox->document()->characterCount() - 1);
+}
+
+TEST_F(CompileWindowsTest, BeforeAnyCompileTheStatusWindowHoldsOnlyTwoLineBreaks) {
+    OpenBlink();
+    QString Shown = QStringLiteral("<not shown>");
+    WhenStatusWindowOpens([&](frmCompileStatus& Status) { Shown = Status.txtCompileStatus->toPlainText(); });
+    Editor->mnuCompileStatus->trigger();
+    EXPECT_EQ(Shown, QStringLiteral("\n\n"));
+    EXPECT_FALSE(Global<frmCompileStatus>::IsLoaded()) << "OK unloads the window";
+}
+
+TEST_F(CompileWindowsTest, TheStatusWindowShowsTheResultAndTheWarningsOwnedByTheEditor) {
+    OpenBlink();
+    Script("sizes=1024,40,0\nwarnings=x unused\\ny unused\n");
+    Editor->mnuCompile->trigger();
+    QString Shown;
+    bool Owned = false;
+    bool Modal = false;
+    WhenStatusWindowOpens([&](frmCompileStatus& Status) {
+        Shown = Status.txtCompileStatus->toPlainText();
+        Owned = Status.parentWidget() == Editor;
+        Modal = Status.isModal();
+    });
+    Editor->mnuCompileStatus->trigger();
+    EXPECT_EQ(Shown, QStringLiteral("Compiled OK, Code: 1024 bytes, RAM: 40 bytes, PRS: 0 bytes\n\n"
+                                    "x unused\ny unused"));
+    EXPECT_TRUE(Owned);
+    EXPECT_TRUE(Modal);
+}
+
+TEST_F(CompileWindowsTest, AClickOnAnyStatusPanelOpensTheStatusWindow) {
+    for (int Number = 1; Number <= 4; ++Number) {
+        WhenStatusWindowOpens([](frmCompileStatus&) {});
+        QTest::mouseClick(Editor->sbrStatus[Number - 1], Qt::LeftButton);
+        EXPECT_EQ(StatusWindowsSeen, Number) << "panel " << Number;
+    }
+}
+
+TEST_F(CompileWindowsTest, TheStatusWindowFollowsItsSizeOnlyAboveItsMinimum) {
+    frmCompileStatus Status;
+    Status.Resize(6000, 3000);
+    EXPECT_EQ(Status.TextWidth, 5980);
+    EXPECT_EQ(Status.TextHeight, 2500);
+    EXPECT_EQ(Status.ButtonTop, 2600);
+    Status.Resize(4000, 1200);
+    EXPECT_EQ(Status.TextWidth, 5980) << "a window narrowed to 4000 twips keeps its last width";
+    EXPECT_EQ(Status.TextHeight, 2500);
+    EXPECT_EQ(Status.ButtonTop, 2600);
+    Status.Resize(4001, 1201);
+    EXPECT_EQ(Status.TextWidth, 3981);
+    EXPECT_EQ(Status.TextHeight, 701);
+    EXPECT_EQ(Status.ButtonTop, 801);
+    EXPECT_EQ(Status.txtCompileStatus->width(), TwipsConversion::TwipsToPixelsX(3981));
+    EXPECT_EQ(Status.cmdOK->y(), TwipsConversion::TwipsToPixelsY(801));
+}
+
+TEST_F(CompileWindowsTest, ResizingTheStatusWindowResizesItsTextBox) {
+    frmCompileStatus Status;
+    Status.show();
+    Status.resize(TwipsConversion::TwipsToPixelsX(8000), TwipsConversion::TwipsToPixelsY(5000));
+    Settle();
+    EXPECT_EQ(Status.txtCompileStatus->width(), Status.width() - TwipsConversion::TwipsToPixelsX(20));
+    const int Wide = Status.txtCompileStatus->width();
+    Status.resize(TwipsConversion::TwipsToPixelsX(3000), Status.height());
+    Settle();
+    EXPECT_EQ(Status.txtCompileStatus->width(), Wide);
+}
+
+}  // namespace
