@@ -416,6 +416,16 @@ TEST_F(CompilerCentralTest, AMissingComponentAtCompileTimeIsError606) {
     EXPECT_TRUE(Boxes->Boxes[0].Text.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so")));
 }
 
+TEST_F(CompilerCentralTest, AComponentWrittenInPlainCFromTheHeaderAloneCompiles) {
+    InstallComponent(QStringLiteral(KVCOMP_MINIMAL_C));
+    MakeBlink();
+    EXPECT_TRUE(CheckVersion());
+    EXPECT_TRUE(Compile());
+    EXPECT_EQ(Host.CompileStatus, QStringLiteral("Compiled OK, Code: 0 bytes, RAM: 0 bytes, PRS: 0 bytes"));
+    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")), QByteArray());
+    EXPECT_EQ(Calls(), QStringList()) << "the test double was not the one loaded";
+}
+
 // ---- In a batch ------------------------------------------------------------
 
 // The downloader's part of a batch: open the project, compile it.
