@@ -130,23 +130,13 @@ void RunSequence(bool& Success) {
     Compiler.SetWindowCenter(true, Middle(Window.Top, Window.Height),
                              Middle(Window.Left, Window.Width));
 
-    bool Compiled = false;
-    int16_t ModuleNumber = 0;
-    int16_t LineNumber = 0;
-    int16_t ColumnNumber = 0;
-    int32_t EndPosition = 0;
-    int32_t StartPosition = 0;
-    int32_t ErrorNumber = 0;
-    QString ErrorDescription;
-    QString WarningDescription;
-    Compiler.RunCompile(ProjectFilename, Compiled, ModuleNumber, LineNumber, ColumnNumber,
-                        EndPosition, StartPosition, ErrorNumber, ErrorDescription,
-                        WarningDescription);
+    CompilerComponent::CompileResult Result;
+    Compiler.RunCompile(ProjectFilename, Result);
 
-    Host.SetWarningDescription(WarningDescription);
-    Host.ShowStatusPanel(3, WarningDescription.isEmpty() ? QStringLiteral("Ok")
-                                                         : QStringLiteral("Warnings"));
-    if (Compiled) {
+    Host.SetWarningDescription(Result.WarningDescription);
+    Host.ShowStatusPanel(3, Result.WarningDescription.isEmpty() ? QStringLiteral("Ok")
+                                                                : QStringLiteral("Warnings"));
+    if (Result.Success) {
         int32_t CodeSize = 0;
         int32_t RamSize = 0;
         int32_t PersistentSize = 0;
@@ -166,12 +156,13 @@ void RunSequence(bool& Success) {
             KvmFileHandler();
         }
     } else if (CommandLineInterpreter::GetCommandLineMode()) {
-        Host.DisplayCommandLineError(ModuleNumber, LineNumber, ColumnNumber, ErrorNumber,
-                                     ErrorDescription);
+        Host.DisplayCommandLineError(Result.ModuleNumber, Result.LineNumber, Result.ColumnNumber,
+                                     Result.ErrorNumber, Result.ErrorDescription);
     } else {
-        Host.SetCompileStatus(ErrorDescription);
-        Host.ShowStatusPanel(4, ErrorDescription);
-        Host.HighlightSourceError(EndPosition, StartPosition, ModuleNumber, ErrorDescription);
+        Host.SetCompileStatus(Result.ErrorDescription);
+        Host.ShowStatusPanel(4, Result.ErrorDescription);
+        Host.HighlightSourceError(Result.EndPosition, Result.StartPosition, Result.ModuleNumber,
+                                  Result.ErrorDescription);
     }
 }
 

@@ -155,18 +155,14 @@ void CompilerComponent::SetPersistentBoundaries(int32_t Low, int32_t High, bool&
     Success = FromKvBool(Result);
 }
 
-void CompilerComponent::RunCompile(const QString& ProjectFilename, bool& Success,
-                                   int16_t& ModuleNumber, int16_t& LineNumber,
-                                   int16_t& ColumnNumber, int32_t& EndPosition,
-                                   int32_t& StartPosition, int32_t& ErrorNumber,
-                                   QString& ErrorDescription, QString& WarningDescription) {
-    KvBool Result = KVCOMP_FALSE;
+void CompilerComponent::RunCompile(const QString& ProjectFilename, CompileResult& Result) {
+    KvBool Success = KVCOMP_FALSE;
     const KvChar* Error = nullptr;
     const KvChar* Warnings = nullptr;
-    Object_->Ops->RunCompile(Object_, ToKvText(ProjectFilename), &Result, &ModuleNumber,
-                             &LineNumber, &ColumnNumber, &EndPosition, &StartPosition,
-                             &ErrorNumber, &Error, &Warnings);
-    Success = FromKvBool(Result);
-    ErrorDescription = FromKvText(Error);
-    WarningDescription = FromKvText(Warnings);
+    Object_->Ops->RunCompile(Object_, ToKvText(ProjectFilename), &Success, &Result.ModuleNumber,
+                             &Result.LineNumber, &Result.ColumnNumber, &Result.EndPosition,
+                             &Result.StartPosition, &Result.ErrorNumber, &Error, &Warnings);
+    Result.Success = FromKvBool(Success);
+    Result.ErrorDescription = FromKvText(Error);
+    Result.WarningDescription = FromKvText(Warnings);
 }

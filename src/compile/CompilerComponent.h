@@ -39,10 +39,19 @@ class CompilerComponent {
     void SetRamBoundaries(int32_t Low, int32_t High, bool& Success);
     void SetCodeBoundaries(int32_t Low, int32_t High, bool& Success);
     void SetPersistentBoundaries(int32_t Low, int32_t High, bool& Success);
-    void RunCompile(const QString& ProjectFilename, bool& Success, int16_t& ModuleNumber,
-                    int16_t& LineNumber, int16_t& ColumnNumber, int32_t& EndPosition,
-                    int32_t& StartPosition, int32_t& ErrorNumber, QString& ErrorDescription,
-                    QString& WarningDescription);
+    // The nine out parameters of the compile, by their names.
+    struct CompileResult {
+        bool Success = false;
+        int16_t ModuleNumber = 0;
+        int16_t LineNumber = 0;
+        int16_t ColumnNumber = 0;
+        int32_t EndPosition = 0;
+        int32_t StartPosition = 0;
+        int32_t ErrorNumber = 0;
+        QString ErrorDescription;
+        QString WarningDescription;
+    };
+    void RunCompile(const QString& ProjectFilename, CompileResult& Result);
 
   private:
     CompilerComponent(std::unique_ptr<QLibrary> Library, KvCompiler* Object, QString Filename);

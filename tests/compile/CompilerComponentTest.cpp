@@ -144,22 +144,15 @@ TEST_F(CompilerComponentTest, TextsCrossAsUtf16BothWays) {
 
     Script("error=2,3,4,10,14,101\ndescription=Ungültiger Ausdruck – “x”\nwarnings=a\\nb\n");
     WriteFile(QStringLiteral("work/p.kvp"), "");
-    bool Success = true;
-    int16_t Module = 0;
-    int16_t Line = 0;
-    int16_t Column = 0;
-    int32_t End = 0;
-    int32_t Start = 0;
-    int32_t Number = 0;
-    QString Description;
-    QString Warnings;
-    Loaded->RunCompile(Work + QStringLiteral("/p.kvp"), Success, Module, Line, Column, End, Start,
-                       Number, Description, Warnings);
-    EXPECT_FALSE(Success);
-    EXPECT_EQ((QList<int>{Module, Line, Column, End, Start, Number}),
+    CompilerComponent::CompileResult Result;
+    Result.Success = true;
+    Loaded->RunCompile(Work + QStringLiteral("/p.kvp"), Result);
+    EXPECT_FALSE(Result.Success);
+    EXPECT_EQ((QList<int>{Result.ModuleNumber, Result.LineNumber, Result.ColumnNumber,
+                          Result.EndPosition, Result.StartPosition, Result.ErrorNumber}),
               (QList<int>{2, 3, 4, 14, 10, 101}));
-    EXPECT_EQ(Description, QStringLiteral("Ungültiger Ausdruck – “x”"));
-    EXPECT_EQ(Warnings, QStringLiteral("a\r\nb"));
+    EXPECT_EQ(Result.ErrorDescription, QStringLiteral("Ungültiger Ausdruck – “x”"));
+    EXPECT_EQ(Result.WarningDescription, QStringLiteral("a\r\nb"));
 }
 
 }  // namespace
