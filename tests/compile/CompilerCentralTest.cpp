@@ -300,6 +300,16 @@ TEST_F(CompilerCentralTest, AnErrorAtTheVeryEndSelectsWhatIsLeftAndStillShowsThe
     EXPECT_EQ(WindowOf(1)->Box.SelText(), QString());
 }
 
+TEST_F(CompilerCentralTest, AnErrorInNoModuleIsShownAndSelectsNothing) {
+    MakeBlink();
+    Script("error=0,0,0,0,0,5\ndescription=Project file damaged\n");
+    EXPECT_FALSE(Compile());
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|Project file damaged")});
+    EXPECT_EQ(WindowOf(1)->Box.SelLength(), 0);
+    EXPECT_EQ(WindowOf(2)->Box.SelLength(), 0);
+    EXPECT_EQ(Host.Panels[3], QStringLiteral("Errors"));
+}
+
 TEST_F(CompilerCentralTest, ARefusedStringSizeIsReportedAndTheCompileGoesOnWithTheOldSize) {
     MakeBlink();
     Project().PRFfile().MaxVstr = 20;
@@ -490,6 +500,16 @@ TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
                                        QStringLiteral("Done.")}));
     EXPECT_TRUE(ErrorDisplay::GetErrorWasLogged());
     EXPECT_EQ(BoxTexts(), QStringList());
+}
+
+TEST_F(BatchCompileTest, AnErrorInNoModuleStillWritesTheBlock) {
+    MakeBlink();
+    Script("error=0,0,0,0,0,5\ndescription=Project file damaged\n");
+    RunBatch(QStringLiteral("blink"));
+    EXPECT_EQ(LogLines().mid(3), (QStringList{QString(), QStringLiteral("Error in module "), QString(),
+                                              QStringLiteral("Project file damaged"),
+                                              QStringLiteral("Column 0 :"), QString(),
+                                              QStringLiteral("Done.")}));
 }
 
 TEST_F(BatchCompileTest, ChipPreferencesOfAnotherChipAreLoggedWithoutADialog) {
