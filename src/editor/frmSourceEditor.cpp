@@ -705,6 +705,8 @@ void frmSourceEditor::SetCompileStatus(const QString& Text) { CompileStatus = Te
 void frmSourceEditor::ShowStatusPanel(int Panel, const QString& Text) {
     if (Panel >= 1 && Panel <= sbrStatus.size()) {
         sbrStatus[Panel - 1]->setText(Text);
+        // The compile blocks the event loop: "Compiling..." must show now.
+        sbrStatus[Panel - 1]->repaint();
     }
 }
 
