@@ -1,6 +1,7 @@
 #include "compile/CompilerComponent.h"
 
 #include <QDir>
+#include <cstddef>
 #include <QFileInfo>
 #include <QLibrary>
 
@@ -14,6 +15,35 @@ constexpr int32_t CannotCreateObject = 429;
 [[noreturn]] void CannotCreate(const QString& File, const QString& Reason) {
     RaiseError(CannotCreateObject,
                QStringLiteral("Can't find compiler DLL:  ") + File + QStringLiteral("\n") + Reason);
+}
+
+// The table's slots are function pointers in a fixed order: a component built
+// against another layout would be called in the wrong slots.
+using Slot = void (*)(void);
+static_assert(offsetof(KvCompilerOps, SetLibraryPath) == 0 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, GetVersion) == 1 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetStringSize) == 2 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetChipFamilyFlag) == 3 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetStrictSyntax) == 4 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetWindowCenter) == 5 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetChipType) == 6 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetOptimize) == 7 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, GetRamSize) == 8 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, GetCodeSize) == 9 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, GetPersistentSize) == 10 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, Reserved12) == 11 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetRamBoundaries) == 12 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetCodeBoundaries) == 13 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, SetPersistentBoundaries) == 14 * sizeof(Slot));
+static_assert(offsetof(KvCompilerOps, RunCompile) == 15 * sizeof(Slot));
+static_assert(sizeof(KvCompilerOps) == 16 * sizeof(Slot));
+static_assert(sizeof(KvBool) == 2 && sizeof(KvChar) == sizeof(char16_t));
+
+// A library that fails once loaded is unloaded, so that the next attempt
+// reads the file afresh instead of getting the broken one back by its name.
+[[noreturn]] void Refuse(QLibrary& Library, const QString& Reason) {
+    Library.unload();
+    CannotCreate(Library.fileName(), Reason);
 }
 
 KvBool ToKvBool(bool Value) { return Value ? KVCOMP_TRUE : KVCOMP_FALSE; }
@@ -41,9 +71,9 @@ CompilerComponent::CompilerComponent(std::unique_ptr<QLibrary> Library, KvCompil
                                      QString Filename)
     : Library_(std::move(Library)), Object_(Object), Filename_(std::move(Filename)) {}
 
-// The library stays loaded: the object it made is never destroyed, and its
-// code may still be referenced by it.
-CompilerComponent::~CompilerComponent() { (void)Library_.release(); }
+// QLibrary leaves the library loaded when it goes: the object it made is
+// never destroyed and still points into it.
+CompilerComponent::~CompilerComponent() = default;
 
 std::unique_ptr<CompilerComponent> CompilerComponent::Load(const QStringList& Directories) {
     const QString LibraryName = QString::fromLatin1(KVCOMP_LIBRARY_NAME);
@@ -78,16 +108,16 @@ std::unique_ptr<CompilerComponent> CompilerComponent::Load(const QStringList& Di
     const auto Create = reinterpret_cast<KvCompCreateFunction>(
         Library->resolve(KVCOMP_CREATE_FUNCTION));
     if (Create == nullptr) {
-        CannotCreate(Filename, QStringLiteral("The library has no function ") +
-                                   QString::fromLatin1(KVCOMP_CREATE_FUNCTION) +
-                                   QStringLiteral("."));
+        Refuse(*Library, QStringLiteral("The library has no function ") +
+               QString::fromLatin1(KVCOMP_CREATE_FUNCTION) + QStringLiteral("."));
     }
     KvCompiler* Object = Create();
     if (Object == nullptr) {
-        CannotCreate(Filename, QStringLiteral("The component made no compiler object."));
+        Refuse(*Library, QStringLiteral("The component made no compiler object."));
     }
     if (!TableIsComplete(Object->Ops)) {
-        CannotCreate(Filename, QStringLiteral("The compiler object lacks operations."));
+        // The object is left as it is: nothing in the table says how to free it.
+        Refuse(*Library, QStringLiteral("The compiler object lacks operations."));
     }
     return std::unique_ptr<CompilerComponent>(
         new CompilerComponent(std::move(Library), Object, Filename));

@@ -76,9 +76,12 @@ struct KvCompiler {
 /*
  * The exported creation function, named by KVCOMP_CREATE_FUNCTION. Returns a
  * new object, or null if none can be made. The system makes one object and
- * keeps it until the process ends; it never destroys it.
+ * keeps it until the process ends; it never destroys it. A component defines
+ * it; the declaration here exports it and checks its type.
  */
+#define KVCOMP_EXPORT __attribute__((visibility("default")))
 typedef KvCompiler* (*KvCompCreateFunction)(void);
+KVCOMP_EXPORT KvCompiler* KvCompCreate(void);
 
 #ifdef __cplusplus
 }

@@ -173,7 +173,13 @@ TEST_F(CompileWindowsTest, AnErrorInTheSecondModuleBringsItsWindowAndTabToTheFro
     Settle();
     Script("fail_at=x = 1\ndescription=Variable not defined\n");
     QString SelectedDuringBox;
-    Boxes->WhileShown = [&](const ScriptedMessageBoxService::Box&) { SelectedDuringBox = Selected(2); };
+    Boxes->WhileShown = [&](const ScriptedMessageBoxService::Box&) {
+        SelectedDuringBox = Selected(2);
+        // A click into the text behind the box moves the caret.
+        QTextCursor Caret = Module(2)->rtfEditBox->textCursor();
+        Caret.setPosition(0);
+        Module(2)->rtfEditBox->setTextCursor(Caret);
+    };
     Editor->mnuCompile->trigger();
     Settle();
     EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|Variable not defined")});

@@ -123,9 +123,10 @@ TEST_F(CompilerCentralTest, AGoodKv20CompileMakesTheCallsInTheirOrder) {
     MakeBlink();
     Host.Geometry = FormGeometry{1000, 2000, 9000, 6000};
     EXPECT_TRUE(Compile());
-    EXPECT_EQ(CompileCalls(),
+    // Everything the component was asked, from its making on.
+    EXPECT_EQ(Calls(),
               (QStringList{
-                  QStringLiteral("SetCodeBoundaries(0, 32767)"), QStringLiteral("SetChipType(2)"),
+                  QStringLiteral("KvCompCreate"), QStringLiteral("SetCodeBoundaries(0, 32767)"), QStringLiteral("SetChipType(2)"),
                   QStringLiteral("SetRamBoundaries(207, 607)"), QStringLiteral("SetStrictSyntax(-1)"),
                   QStringLiteral("SetPersistentBoundaries(32, 511)"),
                   QStringLiteral("SetOptimize(-1)"), QStringLiteral("SetStringSize(16)"),
@@ -283,6 +284,9 @@ TEST_F(CompilerCentralTest, AnErrorInTheSecondModuleSelectsItsTextBeforeAndAfter
     QString SelectedWhileShown;
     Boxes->WhileShown = [&](const ScriptedMessageBoxService::Box&) {
         SelectedWhileShown = WindowOf(2)->Box.SelText();
+        // The user clicks into the text behind the box: the selection goes.
+        WindowOf(2)->Box.SetSelStart(0);
+        WindowOf(2)->Box.SetSelLength(0);
     };
     EXPECT_FALSE(Compile());
     EXPECT_EQ(SelectedWhileShown, QStringLiteral("x = 1"));
@@ -298,6 +302,15 @@ TEST_F(CompilerCentralTest, AnErrorAtTheVeryEndSelectsWhatIsLeftAndStillShowsThe
     EXPECT_FALSE(Compile());
     EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|Missing End")});
     EXPECT_EQ(WindowOf(1)->Box.SelText(), QString());
+}
+
+TEST_F(CompilerCentralTest, AnErrorNearTheEndSelectsLessThanThreeCharacters) {
+    MakeProject(QStringLiteral("tail"), {{QStringLiteral("main"), "Dim ab"}});
+    // From position 4 the selection may reach the length less one: one character.
+    Script("error=1,1,5,4,7,3\ndescription=Name expected\n");
+    EXPECT_FALSE(Compile());
+    EXPECT_EQ(WindowOf(1)->Box.SelText(), QStringLiteral("a"));
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|Name expected")});
 }
 
 TEST_F(CompilerCentralTest, AnErrorInNoModuleIsShownAndSelectsNothing) {
@@ -466,7 +479,6 @@ class BatchCompileTest : public CompilerCentralTest {
         Project().PRFfile().WriteNewFile();
         Global<ProjectType>::Unload();
         Boxes->Boxes.clear();
-        CompilerHost::Uninstall(&Host);
         CommandLineInterpreter::SetHost(&Batch);
         CommandLineInterpreter::SetCommandLine(Name + QStringLiteral(" /c"));
         CommandLineInterpreter::Run();
@@ -500,6 +512,19 @@ TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
                                        QStringLiteral("Done.")}));
     EXPECT_TRUE(ErrorDisplay::GetErrorWasLogged());
     EXPECT_EQ(BoxTexts(), QStringList());
+    EXPECT_EQ(Host.Highlights, QStringList()) << "nothing is selected in a batch";
+    EXPECT_EQ(Host.CommandLineErrors, QStringList{QStringLiteral("2,2,3,0,Type mismatch")});
+}
+
+TEST_F(BatchCompileTest, WithoutAnEditorTheHeadlessHostWritesTheSameBlock) {
+    MakeBlink();
+    Script("fail_at=x = 1\ndescription=Type mismatch\n");
+    CompilerHost::Uninstall(&Host);
+    RunBatch(QStringLiteral("blink"));
+    EXPECT_EQ(LogLines().mid(3, 6),
+              (QStringList{QString(), QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
+                           QString(), QStringLiteral("Type mismatch"), QStringLiteral("Column 3 :"),
+                           QString()}));
 }
 
 TEST_F(BatchCompileTest, AnErrorInNoModuleStillWritesTheBlock) {
@@ -530,10 +555,12 @@ TEST_F(BatchCompileTest, AKv10WithoutEepromSizeIsLoggedWithoutADialog) {
               (QStringList{QStringLiteral("Error -- EEPROM memory size is zero or negative"),
                            QStringLiteral("Done.")}));
     EXPECT_EQ(CallsNamed(QStringLiteral("RunCompile")), QStringList());
+    EXPECT_EQ(Host.ChipDialogs, 0);
 }
 
 TEST_F(BatchCompileTest, TheHeadlessHostCentresOnTheEditorsStoredPlace) {
     MakeBlink();
+    CompilerHost::Uninstall(&Host);
     RunBatch(QStringLiteral("blink"));
     SetSetting(QStringLiteral("Editor_Top"), QStringLiteral("100"));
     SetSetting(QStringLiteral("Editor_Left"), QStringLiteral("200"));

@@ -89,6 +89,15 @@ TEST_F(CompilerComponentTest, ALibraryWithoutTheCreationFunctionIsRefused) {
                                                       "The library has no function KvCompCreate."));
 }
 
+TEST_F(CompilerComponentTest, AfterARefusedLibraryTheNextLoadReadsTheFileAfresh) {
+    InstallComponent(QStringLiteral(KVCOMP_WITHOUT_CREATE));
+    EXPECT_EQ(LoadFailure({Install}).Number, 429);
+    // The same name now stands for a good component.
+    InstallComponent(QStringLiteral(KVCOMP_TEST_DOUBLE));
+    const ErrObject Failure = LoadFailure({Install});
+    EXPECT_EQ(Failure.Number, 0) << Failure.Description.toStdString();
+}
+
 TEST_F(CompilerComponentTest, ACreationFunctionThatMakesNoObjectIsRefused) {
     qputenv("KVCOMP_TEST_CREATE", "null");
     const ErrObject Failure = LoadFailure({Install});

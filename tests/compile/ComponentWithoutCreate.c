@@ -2,4 +2,4 @@
    for the loader's check. Plain C, so the interface header is compiled as C. */
 #include "compile/KvCompInterface.h"
 
-__attribute__((visibility("default"))) KvCompiler* KvCompMake(void) { return 0; }
+KVCOMP_EXPORT KvCompiler* KvCompMake(void) { return 0; }

@@ -109,7 +109,7 @@ static const KvCompilerOps Operations = {
     RunCompile,
 };
 
-__attribute__((visibility("default"))) KvCompiler* KvCompCreate(void) {
+KvCompiler* KvCompCreate(void) {
     MinimalCompiler* Compiler = calloc(1, sizeof *Compiler);
     if (Compiler != NULL) {
         Compiler->Base.Ops = &Operations;

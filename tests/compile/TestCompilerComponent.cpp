@@ -408,7 +408,7 @@ const KvCompilerOps Operations = {
 }  // namespace
 
 // KVCOMP_TEST_CREATE=null makes no object; =incomplete one whose table has a hole.
-extern "C" __attribute__((visibility("default"))) KvCompiler* KvCompCreate(void) {
+KvCompiler* KvCompCreate(void) {
     Record(QStringLiteral("KvCompCreate"));
     const QString Mode = qEnvironmentVariable("KVCOMP_TEST_CREATE");
     if (Mode == QStringLiteral("null")) {
