@@ -38,8 +38,9 @@ int32_t Middle(int32_t Start, int32_t Size) {
 }
 
 void ShowEepromSizeError() {
-    ErrorDisplay::ShowErrorMessage(QStringLiteral("Error -- EEPROM memory size is zero or negative"),
-                                   QStringLiteral("EEPROM Memory Size Error"));
+    ErrorDisplay::ShowErrorMessage(
+        QStringLiteral("Error -- EEPROM memory size is zero or negative"),
+        QStringLiteral("EEPROM Memory Size Error"));
 }
 
 // The chip dialog lets the user mend the preferences; a batch has nobody to.
@@ -134,8 +135,8 @@ void RunSequence(bool& Success) {
     Compiler.RunCompile(ProjectFilename, Result);
 
     Host.SetWarningDescription(Result.WarningDescription);
-    Host.ShowStatusPanel(3, Result.WarningDescription.isEmpty() ? QStringLiteral("Ok")
-                                                                : QStringLiteral("Warnings"));
+    Host.ShowStatusPanel(
+        3, Result.WarningDescription.isEmpty() ? QStringLiteral("Ok") : QStringLiteral("Warnings"));
     if (Result.Success) {
         int32_t CodeSize = 0;
         int32_t RamSize = 0;
@@ -200,13 +201,12 @@ void CheckCompilerVersion(bool& Success) {
     } catch (...) {
         TakeCurrentException();
         // The loader's error already names the file and the reason.
-        ErrorDisplay::ShowErrorMessage(
-            Err().Number == CannotCreateObject
-                ? Err().Description
-                : QStringLiteral("Can't find compiler DLL:  ") +
-                      QString::fromLatin1(KVCOMP_LIBRARY_NAME) + QStringLiteral("\n") +
-                      Err().Description,
-            InstallationError);
+        ErrorDisplay::ShowErrorMessage(Err().Number == CannotCreateObject
+                                           ? Err().Description
+                                           : QStringLiteral("Can't find compiler DLL:  ") +
+                                                 QString::fromLatin1(KVCOMP_LIBRARY_NAME) +
+                                                 QStringLiteral("\n") + Err().Description,
+                                       InstallationError);
     }
 }
 

@@ -1,9 +1,9 @@
 #include "compile/CompilerComponent.h"
 
 #include <QDir>
-#include <cstddef>
 #include <QFileInfo>
 #include <QLibrary>
+#include <cstddef>
 
 #include "platform/ErrObject.h"
 
@@ -52,10 +52,13 @@ KvBool ToKvBool(bool Value) { return Value ? KVCOMP_TRUE : KVCOMP_FALSE; }
 bool FromKvBool(KvBool Value) { return Value != KVCOMP_FALSE; }
 
 QString FromKvText(const KvChar* Text) {
-    return Text == nullptr ? QString() : QString::fromUtf16(reinterpret_cast<const char16_t*>(Text));
+    return Text == nullptr ? QString()
+                           : QString::fromUtf16(reinterpret_cast<const char16_t*>(Text));
 }
 
-const KvChar* ToKvText(const QString& Text) { return reinterpret_cast<const KvChar*>(Text.utf16()); }
+const KvChar* ToKvText(const QString& Text) {
+    return reinterpret_cast<const KvChar*>(Text.utf16());
+}
 
 bool TableIsComplete(const KvCompilerOps* Ops) {
     return Ops != nullptr && Ops->SetLibraryPath && Ops->GetVersion && Ops->SetStringSize &&
@@ -105,11 +108,11 @@ std::unique_ptr<CompilerComponent> CompilerComponent::Load(const QStringList& Di
     if (!Library->load()) {
         CannotCreate(Filename, Library->errorString());
     }
-    const auto Create = reinterpret_cast<KvCompCreateFunction>(
-        Library->resolve(KVCOMP_CREATE_FUNCTION));
+    const auto Create =
+        reinterpret_cast<KvCompCreateFunction>(Library->resolve(KVCOMP_CREATE_FUNCTION));
     if (Create == nullptr) {
         Refuse(*Library, QStringLiteral("The library has no function ") +
-               QString::fromLatin1(KVCOMP_CREATE_FUNCTION) + QStringLiteral("."));
+                             QString::fromLatin1(KVCOMP_CREATE_FUNCTION) + QStringLiteral("."));
     }
     KvCompiler* Object = Create();
     if (Object == nullptr) {

@@ -59,8 +59,7 @@ typedef struct KvCompilerOps {
     /* 13 to 15: first and last address of each memory the program may use. */
     void (*SetRamBoundaries)(KvCompiler* Self, int32_t Low, int32_t High, KvBool* Success);
     void (*SetCodeBoundaries)(KvCompiler* Self, int32_t Low, int32_t High, KvBool* Success);
-    void (*SetPersistentBoundaries)(KvCompiler* Self, int32_t Low, int32_t High,
-                                    KvBool* Success);
+    void (*SetPersistentBoundaries)(KvCompiler* Self, int32_t Low, int32_t High, KvBool* Success);
     /* 16: compiles the project file. Note that the end position comes first. */
     void (*RunCompile)(KvCompiler* Self, const KvChar* ProjectFilename, KvBool* Success,
                        int16_t* ModuleNumber, int16_t* LineNumber, int16_t* ColumnNumber,

@@ -684,7 +684,8 @@ void frmSourceEditor::ShowCompileStatus() {
     frmCompileStatus& Status = Global<frmCompileStatus>::Get();
     Status.setParent(this, Status.windowFlags());
     QString Text = CompileStatus + QStringLiteral("\r\n\r\n") + WarningDescription;
-    Status.txtCompileStatus->setPlainText(Text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    Status.txtCompileStatus->setPlainText(
+        Text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     Status.exec();
     Global<frmCompileStatus>::Unload();
 }

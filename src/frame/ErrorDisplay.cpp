@@ -60,7 +60,8 @@ void LogMessage(const QString& Text) {
     }
     // A message of several lines keeps the log's CR LF line ends throughout.
     QString Lines = Text;
-    Lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
+    Lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+        .replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
     const QByteArray Line = Lines.toUtf8() + "\r\n";
     // Flushed line by line: a batch that dies still leaves what it got to.
     if (LogFile->write(Line) != Line.size() || !LogFile->flush()) {

@@ -59,8 +59,10 @@ class BatchAcceptance : public ::testing::Test {
         Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
         Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
         Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), Runtime);
-        Environment.insert(QStringLiteral("KVCOMP_TEST_SCRIPT"), Root.filePath(QStringLiteral("script.txt")));
-        Environment.insert(QStringLiteral("KVCOMP_TEST_RECORD"), Root.filePath(QStringLiteral("record.txt")));
+        Environment.insert(QStringLiteral("KVCOMP_TEST_SCRIPT"),
+                           Root.filePath(QStringLiteral("script.txt")));
+        Environment.insert(QStringLiteral("KVCOMP_TEST_RECORD"),
+                           Root.filePath(QStringLiteral("record.txt")));
         Program.setProcessEnvironment(Environment);
         Program.setWorkingDirectory(Root.path());
         Program.start(QStringLiteral(KAVLIN_PROGRAM), Arguments);
@@ -76,7 +78,9 @@ class BatchAcceptance : public ::testing::Test {
     }
 
     // What the test double of the compiler is to answer.
-    void Script(const QByteArray& Lines) { Touch(Root.filePath(QStringLiteral("script.txt")), Lines); }
+    void Script(const QByteArray& Lines) {
+        Touch(Root.filePath(QStringLiteral("script.txt")), Lines);
+    }
     // The calls the test double received.
     QStringList ComponentCalls() const {
         QFile Record(Root.filePath(QStringLiteral("record.txt")));
@@ -264,8 +268,10 @@ TEST_F(BatchAcceptance, AGoodCompileLeavesTheImageAndCompileAndDoneInTheLog) {
     const QStringList Calls = ComponentCalls();
     // The version is asked at start-up only; a batch compile does not check the installation again.
     EXPECT_EQ(Calls.filter(QStringLiteral("GetVersion")).size(), 1);
-    EXPECT_TRUE(Calls.contains(QStringLiteral("RunCompile(") + Work + QStringLiteral("/blink.kvp)")));
-    EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error"))) << StandardError.toStdString();
+    EXPECT_TRUE(
+        Calls.contains(QStringLiteral("RunCompile(") + Work + QStringLiteral("/blink.kvp)")));
+    EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error")))
+        << StandardError.toStdString();
 }
 
 TEST_F(BatchAcceptance, ACompileErrorLeavesTheErrorBlockAndNoDownload) {
@@ -273,13 +279,13 @@ TEST_F(BatchAcceptance, ACompileErrorLeavesTheErrorBlockAndNoDownload) {
     Touch(Work + QStringLiteral("/led.bas"), "Sub Led()\r\n  x = 1\r\nEnd Sub\r\n");
     Script("fail_at=x = 1\ndescription=Variable not defined\n");
     Run({QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d")});
-    EXPECT_EQ(LogLines(),
-              (QStringList{QStringLiteral("Command line:  blink /c /d"), QString(),
-                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
-                           QString(),
-                           QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
-                           QString(), QStringLiteral("Variable not defined"),
-                           QStringLiteral("Column 3 :"), QString(), QStringLiteral("Done.")}));
+    EXPECT_EQ(
+        LogLines(),
+        (QStringList{QStringLiteral("Command line:  blink /c /d"), QString(),
+                     QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"), QString(),
+                     QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
+                     QString(), QStringLiteral("Variable not defined"),
+                     QStringLiteral("Column 3 :"), QString(), QStringLiteral("Done.")}));
     EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
 }
 
@@ -294,7 +300,8 @@ TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsThe
     EXPECT_EQ(Lines[2], QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"));
     const QString Report = Lines.mid(3, Lines.size() - 4).join(QLatin1Char('\n'));
     EXPECT_TRUE(Report.contains(QStringLiteral("606"))) << Report.toStdString();
-    EXPECT_TRUE(Report.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so\nNot found in ")))
+    EXPECT_TRUE(
+        Report.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so\nNot found in ")))
         << Report.toStdString();
     EXPECT_EQ(Lines.last(), QStringLiteral("Done."));
     EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
@@ -303,7 +310,8 @@ TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsThe
 TEST_F(BatchAcceptance, AnotherComponentVersionIsReportedAtStartUpOnly) {
     Script("version=2.0.23\n");
     Run({QStringLiteral("blink"), QStringLiteral("/c")});
-    EXPECT_TRUE(StandardError.contains(QStringLiteral("[Installation Error] Compiler DLL version mismatch:")))
+    EXPECT_TRUE(StandardError.contains(
+        QStringLiteral("[Installation Error] Compiler DLL version mismatch:")))
         << StandardError.toStdString();
     EXPECT_TRUE(StandardError.contains(QStringLiteral("Actual version:  2.0.23")));
     EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));

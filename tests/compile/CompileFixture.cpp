@@ -16,8 +16,9 @@ void CompileFixture::SetUp() {
     FrameFixture::SetUp();
     Install = TempPath() + QStringLiteral("/install");
     Work = TempPath() + QStringLiteral("/work");
-    for (const QString& Dir : {Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
-                               Install + QStringLiteral("/BinKV20"), Work}) {
+    for (const QString& Dir :
+         {Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
+          Install + QStringLiteral("/BinKV20"), Work}) {
         ASSERT_TRUE(QDir().mkpath(Dir));
     }
     WriteFile(QStringLiteral("install/BinKV10/SymbolKV10.sym"), "x");

@@ -64,9 +64,7 @@ class CompileWindowsTest : public CompileFixture {
         }
         return nullptr;
     }
-    QString Selected(int Number) {
-        return Module(Number)->rtfEditBox->textCursor().selectedText();
-    }
+    QString Selected(int Number) { return Module(Number)->rtfEditBox->textCursor().selectedText(); }
     QByteArray FileBytes(const QString& Name) const {
         QFile File(Work + QLatin1Char('/') + Name);
         return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<none>");
@@ -146,7 +144,8 @@ TEST_F(CompileWindowsTest, ABrokenInstallationStopsTheCompile) {
     Boxes->Boxes.clear();
     Editor->mnuCompile->trigger();
     EXPECT_EQ(BoxTexts(), QStringList());
-    EXPECT_EQ(Calls().filter(QStringLiteral("GetVersion")).size(), 2) << "checked before every compile";
+    EXPECT_EQ(Calls().filter(QStringLiteral("GetVersion")).size(), 2)
+        << "checked before every compile";
     EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 1);
 }
 
@@ -161,8 +160,8 @@ TEST_F(CompileWindowsTest, CompileAndRunWithAClosedPortAndNoCompilesNothing) {
     OpenBlink();
     Boxes->QueueAnswer(7);
     Editor->mnuCompileAndRun->trigger();
-    EXPECT_EQ(BoxTexts(),
-              QStringList{QStringLiteral("Download port closed|Download port is closed\nOpen port now?")});
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral(
+                              "Download port closed|Download port is closed\nOpen port now?")});
     EXPECT_EQ(Calls(), QStringList()) << "neither the installation nor the compile was looked at";
 }
 
@@ -201,13 +200,15 @@ TEST_F(CompileWindowsTest, AnErrorAtTheVeryEndSelectsWhatIsLeftAndTheBoxStillCom
     Editor->mnuCompile->trigger();
     EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|End expected")});
     EXPECT_EQ(Selected(1), QString());
-    EXPECT_EQ(Module(1)->rtfEditBox->textCursor().position(), Module(1)->rtfEditBox->document()->characterCount() - 1);
+    EXPECT_EQ(Module(1)->rtfEditBox->textCursor().position(),
+              Module(1)->rtfEditBox->document()->characterCount() - 1);
 }
 
 TEST_F(CompileWindowsTest, BeforeAnyCompileTheStatusWindowHoldsOnlyTwoLineBreaks) {
     OpenBlink();
     QString Shown = QStringLiteral("<not shown>");
-    WhenStatusWindowOpens([&](frmCompileStatus& Status) { Shown = Status.txtCompileStatus->toPlainText(); });
+    WhenStatusWindowOpens(
+        [&](frmCompileStatus& Status) { Shown = Status.txtCompileStatus->toPlainText(); });
     Editor->mnuCompileStatus->trigger();
     EXPECT_EQ(Shown, QStringLiteral("\n\n"));
     EXPECT_FALSE(Global<frmCompileStatus>::IsLoaded()) << "OK unloads the window";
@@ -263,7 +264,8 @@ TEST_F(CompileWindowsTest, ResizingTheStatusWindowResizesItsTextBox) {
     Status.show();
     Status.resize(TwipsConversion::TwipsToPixelsX(8000), TwipsConversion::TwipsToPixelsY(5000));
     Settle();
-    EXPECT_EQ(Status.txtCompileStatus->width(), Status.width() - TwipsConversion::TwipsToPixelsX(20));
+    EXPECT_EQ(Status.txtCompileStatus->width(),
+              Status.width() - TwipsConversion::TwipsToPixelsX(20));
     const int Wide = Status.txtCompileStatus->width();
     Status.resize(TwipsConversion::TwipsToPixelsX(3000), Status.height());
     Settle();

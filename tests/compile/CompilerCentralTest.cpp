@@ -91,9 +91,11 @@ TEST_F(CompilerCentralTest, WithoutAComponentTheCheckSaysItCantFindIt) {
 }
 
 TEST_F(CompilerCentralTest, TheComponentIsMadeOnceAndAFailedCreationIsTriedAgain) {
-    QFile::rename(Install + QStringLiteral("/libKvComp141.so"), Install + QStringLiteral("/away.so"));
+    QFile::rename(Install + QStringLiteral("/libKvComp141.so"),
+                  Install + QStringLiteral("/away.so"));
     EXPECT_FALSE(CheckVersion());
-    QFile::rename(Install + QStringLiteral("/away.so"), Install + QStringLiteral("/libKvComp141.so"));
+    QFile::rename(Install + QStringLiteral("/away.so"),
+                  Install + QStringLiteral("/libKvComp141.so"));
     EXPECT_TRUE(CheckVersion());
     EXPECT_TRUE(CheckVersion());
     MakeBlink();
@@ -124,19 +126,20 @@ TEST_F(CompilerCentralTest, AGoodKv20CompileMakesTheCallsInTheirOrder) {
     Host.Geometry = FormGeometry{1000, 2000, 9000, 6000};
     EXPECT_TRUE(Compile());
     // Everything the component was asked, from its making on.
-    EXPECT_EQ(Calls(),
-              (QStringList{
-                  QStringLiteral("KvCompCreate"), QStringLiteral("SetCodeBoundaries(0, 32767)"), QStringLiteral("SetChipType(2)"),
-                  QStringLiteral("SetRamBoundaries(207, 607)"), QStringLiteral("SetStrictSyntax(-1)"),
-                  QStringLiteral("SetPersistentBoundaries(32, 511)"),
-                  QStringLiteral("SetOptimize(-1)"), QStringLiteral("SetStringSize(16)"),
-                  QStringLiteral("SetLibraryPath(") + Install + QStringLiteral(")"),
-                  QStringLiteral("SetChipFamilyFlag(-1)"),
-                  QStringLiteral("SetWindowCenter(-1, 4000, 6500)"),
-                  QStringLiteral("RunCompile(") + Work + QStringLiteral("/blink.kvp)"),
-                  QStringLiteral("GetCodeSize"), QStringLiteral("GetRamSize"),
-                  QStringLiteral("GetPersistentSize"), QStringLiteral("GetCodeSize"),
-                  QStringLiteral("GetPersistentSize")}));
+    EXPECT_EQ(
+        Calls(),
+        (QStringList{QStringLiteral("KvCompCreate"), QStringLiteral("SetCodeBoundaries(0, 32767)"),
+                     QStringLiteral("SetChipType(2)"), QStringLiteral("SetRamBoundaries(207, 607)"),
+                     QStringLiteral("SetStrictSyntax(-1)"),
+                     QStringLiteral("SetPersistentBoundaries(32, 511)"),
+                     QStringLiteral("SetOptimize(-1)"), QStringLiteral("SetStringSize(16)"),
+                     QStringLiteral("SetLibraryPath(") + Install + QStringLiteral(")"),
+                     QStringLiteral("SetChipFamilyFlag(-1)"),
+                     QStringLiteral("SetWindowCenter(-1, 4000, 6500)"),
+                     QStringLiteral("RunCompile(") + Work + QStringLiteral("/blink.kvp)"),
+                     QStringLiteral("GetCodeSize"), QStringLiteral("GetRamSize"),
+                     QStringLiteral("GetPersistentSize"), QStringLiteral("GetCodeSize"),
+                     QStringLiteral("GetPersistentSize")}));
     EXPECT_EQ(BoxTexts(), QStringList());
 }
 
@@ -145,10 +148,12 @@ TEST_F(CompilerCentralTest, AGoodCompileStoresTheSizesAndShowsTheCompiledOkLine)
     Script("sizes=1024,40,0\n");
     GlobalData::CodeSize = 5;
     EXPECT_TRUE(Compile());
-    EXPECT_EQ(Host.CompileStatus, QStringLiteral("Compiled OK, Code: 1024 bytes, RAM: 40 bytes, PRS: 0 bytes"));
+    EXPECT_EQ(Host.CompileStatus,
+              QStringLiteral("Compiled OK, Code: 1024 bytes, RAM: 40 bytes, PRS: 0 bytes"));
     EXPECT_EQ(Host.PanelWrites,
-              (QStringList{QStringLiteral("3:Compiling..."), QStringLiteral("3:Ok"),
-                           QStringLiteral("4:Compiled OK, Code: 1024 bytes, RAM: 40 bytes, PRS: 0 bytes")}));
+              (QStringList{
+                  QStringLiteral("3:Compiling..."), QStringLiteral("3:Ok"),
+                  QStringLiteral("4:Compiled OK, Code: 1024 bytes, RAM: 40 bytes, PRS: 0 bytes")}));
     EXPECT_EQ(GlobalData::CodeSize, 1024);
     EXPECT_EQ(GlobalData::PersistentSize, 0);
     EXPECT_EQ(GlobalData::MemorySize, 32768);
@@ -162,7 +167,8 @@ TEST_F(CompilerCentralTest, AKv30IsChipThreeOfTheFamily) {
     GlobalData::ChipType = 3;
     MakeBlink();
     EXPECT_TRUE(Compile());
-    EXPECT_EQ(CallsNamed(QStringLiteral("SetChipType")), QStringList{QStringLiteral("SetChipType(3)")});
+    EXPECT_EQ(CallsNamed(QStringLiteral("SetChipType")),
+              QStringList{QStringLiteral("SetChipType(3)")});
     EXPECT_EQ(CallsNamed(QStringLiteral("SetChipFamilyFlag")),
               QStringList{QStringLiteral("SetChipFamilyFlag(-1)")});
     EXPECT_EQ(CallsNamed(QStringLiteral("SetRamBoundaries")),
@@ -178,14 +184,15 @@ TEST_F(CompilerCentralTest, AKv10UsesItsEepromSizeAndTheSmallRam) {
     Project().PRFfile().OptimizeEnable = false;
     Project().PRFfile().MaxVstr = 32;
     EXPECT_TRUE(Compile());
-    EXPECT_EQ(CompileCalls().mid(0, 10),
-              (QStringList{QStringLiteral("SetCodeBoundaries(0, 8191)"), QStringLiteral("SetChipType(1)"),
-                           QStringLiteral("SetRamBoundaries(350, 600)"), QStringLiteral("SetStrictSyntax(0)"),
-                           QStringLiteral("SetPersistentBoundaries(32, 511)"),
-                           QStringLiteral("SetOptimize(0)"), QStringLiteral("SetStringSize(32)"),
-                           QStringLiteral("SetLibraryPath(") + Install + QStringLiteral(")"),
-                           QStringLiteral("SetChipFamilyFlag(0)"),
-                           QStringLiteral("SetWindowCenter(-1, 0, 0)")}));
+    EXPECT_EQ(
+        CompileCalls().mid(0, 10),
+        (QStringList{
+            QStringLiteral("SetCodeBoundaries(0, 8191)"), QStringLiteral("SetChipType(1)"),
+            QStringLiteral("SetRamBoundaries(350, 600)"), QStringLiteral("SetStrictSyntax(0)"),
+            QStringLiteral("SetPersistentBoundaries(32, 511)"), QStringLiteral("SetOptimize(0)"),
+            QStringLiteral("SetStringSize(32)"),
+            QStringLiteral("SetLibraryPath(") + Install + QStringLiteral(")"),
+            QStringLiteral("SetChipFamilyFlag(0)"), QStringLiteral("SetWindowCenter(-1, 0, 0)")}));
     EXPECT_EQ(GlobalData::MemorySize, 8192);
 }
 
@@ -209,8 +216,9 @@ TEST_F(CompilerCentralTest, AKv10WithoutEepromSizeOpensTheChipDialogAndCompilesN
         Host.ChipDialogs = 0;
         Project().PRFfile().SpiSize = Size;
         EXPECT_FALSE(Compile());
-        EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral(
-                                  "EEPROM Memory Size Error|Error -- EEPROM memory size is zero or negative")});
+        EXPECT_EQ(BoxTexts(),
+                  QStringList{QStringLiteral(
+                      "EEPROM Memory Size Error|Error -- EEPROM memory size is zero or negative")});
         EXPECT_EQ(Host.ChipDialogs, 1);
     }
     EXPECT_EQ(Calls(), QStringList()) << "not even made: nothing was asked of the component";
@@ -251,7 +259,8 @@ TEST_F(CompilerCentralTest, ASucceedingCompileWithWarningsShowsWarningsAndTheOkL
     Script("sizes=10,2,1\nwarnings=Variable y unused\\nLine 3 too long\n");
     EXPECT_TRUE(Compile());
     EXPECT_EQ(Host.Panels[3], QStringLiteral("Warnings"));
-    EXPECT_EQ(Host.Panels[4], QStringLiteral("Compiled OK, Code: 10 bytes, RAM: 2 bytes, PRS: 1 bytes"));
+    EXPECT_EQ(Host.Panels[4],
+              QStringLiteral("Compiled OK, Code: 10 bytes, RAM: 2 bytes, PRS: 1 bytes"));
     EXPECT_EQ(Host.WarningDescription, QStringLiteral("Variable y unused\r\nLine 3 too long"));
 }
 
@@ -298,7 +307,10 @@ TEST_F(CompilerCentralTest, AnErrorInTheSecondModuleSelectsItsTextBeforeAndAfter
 TEST_F(CompilerCentralTest, AnErrorAtTheVeryEndSelectsWhatIsLeftAndStillShowsTheBox) {
     MakeBlink();
     const int32_t Length = WindowOf(1)->TextLength();
-    Script(QStringLiteral("error=1,3,1,%1,%2,7\ndescription=Missing End\n").arg(Length).arg(Length + 3).toUtf8());
+    Script(QStringLiteral("error=1,3,1,%1,%2,7\ndescription=Missing End\n")
+               .arg(Length)
+               .arg(Length + 3)
+               .toUtf8());
     EXPECT_FALSE(Compile());
     EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Compile Error|Missing End")});
     EXPECT_EQ(WindowOf(1)->Box.SelText(), QString());
@@ -331,8 +343,8 @@ TEST_F(CompilerCentralTest, ARefusedStringSizeIsReportedAndTheCompileGoesOnWithT
               QStringLiteral("strings=20"));
     Project().PRFfile().MaxVstr = 65;
     EXPECT_TRUE(Compile());
-    EXPECT_EQ(BoxTexts(),
-              QStringList{QStringLiteral("String Length Error|Error defining variable length string size")});
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral(
+                              "String Length Error|Error defining variable length string size")});
     EXPECT_EQ(CallsNamed(QStringLiteral("RunCompile")).size(), 2);
     EXPECT_EQ(ObjectFile(QStringLiteral("blink")).section(QLatin1Char(' '), 4, 4),
               QStringLiteral("strings=20"));
@@ -360,7 +372,8 @@ TEST_P(CompilerRefusalTest, ARefusedSettingEndsTheCompileWithItsMessage) {
 INSTANTIATE_TEST_SUITE_P(
     EachBoundary, CompilerRefusalTest,
     ::testing::Values(
-        Refusal{"SetCodeBoundaries", "EEPROM Memory Size Error|Error -- EEPROM memory size is zero or negative",
+        Refusal{"SetCodeBoundaries",
+                "EEPROM Memory Size Error|Error -- EEPROM memory size is zero or negative",
                 "SetCodeBoundaries"},
         Refusal{"SetRamBoundaries", "RAM Boundary Error|Error defining RAM boundaries",
                 "SetRamBoundaries"},
@@ -374,7 +387,8 @@ TEST_F(CompilerCentralTest, AnInstallDirectoryWithoutItsLibrariesIsRefusedByTheC
     MakeBlink();
     ASSERT_TRUE(QDir(Install + QStringLiteral("/BinKV20")).removeRecursively());
     EXPECT_FALSE(Compile());
-    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("System Library Error|Missing System Libraries")});
+    EXPECT_EQ(BoxTexts(),
+              QStringList{QStringLiteral("System Library Error|Missing System Libraries")});
     EXPECT_EQ(CallsNamed(QStringLiteral("RunCompile")), QStringList());
 }
 
@@ -427,7 +441,8 @@ TEST_F(CompilerCentralTest, AnyOtherRunTimeErrorIsReportedAsError606) {
     EXPECT_FALSE(Compile());
     ASSERT_EQ(Boxes->Boxes.size(), 1);
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Unexpected Error"));
-    EXPECT_TRUE(Boxes->Boxes[0].Text.contains(QStringLiteral("606"))) << Boxes->Boxes[0].Text.toStdString();
+    EXPECT_TRUE(Boxes->Boxes[0].Text.contains(QStringLiteral("606")))
+        << Boxes->Boxes[0].Text.toStdString();
 }
 
 TEST_F(CompilerCentralTest, AMissingComponentAtCompileTimeIsError606) {
@@ -436,7 +451,8 @@ TEST_F(CompilerCentralTest, AMissingComponentAtCompileTimeIsError606) {
     EXPECT_FALSE(Compile());
     ASSERT_EQ(Boxes->Boxes.size(), 1);
     EXPECT_TRUE(Boxes->Boxes[0].Text.contains(QStringLiteral("606")));
-    EXPECT_TRUE(Boxes->Boxes[0].Text.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so")));
+    EXPECT_TRUE(
+        Boxes->Boxes[0].Text.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so")));
 }
 
 TEST_F(CompilerCentralTest, AComponentWrittenInPlainCFromTheHeaderAloneCompiles) {
@@ -444,7 +460,8 @@ TEST_F(CompilerCentralTest, AComponentWrittenInPlainCFromTheHeaderAloneCompiles)
     MakeBlink();
     EXPECT_TRUE(CheckVersion());
     EXPECT_TRUE(Compile());
-    EXPECT_EQ(Host.CompileStatus, QStringLiteral("Compiled OK, Code: 0 bytes, RAM: 0 bytes, PRS: 0 bytes"));
+    EXPECT_EQ(Host.CompileStatus,
+              QStringLiteral("Compiled OK, Code: 0 bytes, RAM: 0 bytes, PRS: 0 bytes"));
     EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")), QByteArray());
     EXPECT_EQ(Calls(), QStringList()) << "the test double was not the one loaded";
 }
@@ -490,12 +507,13 @@ TEST_F(BatchCompileTest, AGoodCompileLeavesCompileAndDoneInTheLog) {
     MakeBlink();
     RunBatch(QStringLiteral("blink"));
     EXPECT_EQ(Batch.Results, QList<bool>{true});
-    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
-                                       QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
-                                       QStringLiteral("Done.")}));
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+                           QStringLiteral("Done.")}));
     EXPECT_EQ(BoxTexts(), QStringList());
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")).size(), Bytes(QStringLiteral("main.bas")).size() +
-                                                             Bytes(QStringLiteral("led.bas")).size());
+    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")).size(),
+              Bytes(QStringLiteral("main.bas")).size() + Bytes(QStringLiteral("led.bas")).size());
 }
 
 TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
@@ -503,13 +521,13 @@ TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
     Script("fail_at=x = 1\ndescription=Type mismatch\nwarnings=w\n");
     RunBatch(QStringLiteral("blink"));
     EXPECT_EQ(Batch.Results, QList<bool>{false});
-    EXPECT_EQ(LogLines(), (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
-                                       QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
-                                       QString(),
-                                       QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
-                                       QString(), QStringLiteral("Type mismatch"),
-                                       QStringLiteral("Column 3 :"), QString(),
-                                       QStringLiteral("Done.")}));
+    EXPECT_EQ(
+        LogLines(),
+        (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
+                     QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"), QString(),
+                     QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
+                     QString(), QStringLiteral("Type mismatch"), QStringLiteral("Column 3 :"),
+                     QString(), QStringLiteral("Done.")}));
     EXPECT_TRUE(ErrorDisplay::GetErrorWasLogged());
     EXPECT_EQ(BoxTexts(), QStringList());
     EXPECT_EQ(Host.Highlights, QStringList()) << "nothing is selected in a batch";
@@ -521,20 +539,21 @@ TEST_F(BatchCompileTest, WithoutAnEditorTheHeadlessHostWritesTheSameBlock) {
     Script("fail_at=x = 1\ndescription=Type mismatch\n");
     CompilerHost::Uninstall(&Host);
     RunBatch(QStringLiteral("blink"));
-    EXPECT_EQ(LogLines().mid(3, 6),
-              (QStringList{QString(), QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
-                           QString(), QStringLiteral("Type mismatch"), QStringLiteral("Column 3 :"),
-                           QString()}));
+    EXPECT_EQ(
+        LogLines().mid(3, 6),
+        (QStringList{
+            QString(), QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
+            QString(), QStringLiteral("Type mismatch"), QStringLiteral("Column 3 :"), QString()}));
 }
 
 TEST_F(BatchCompileTest, AnErrorInNoModuleStillWritesTheBlock) {
     MakeBlink();
     Script("error=0,0,0,0,0,5\ndescription=Project file damaged\n");
     RunBatch(QStringLiteral("blink"));
-    EXPECT_EQ(LogLines().mid(3), (QStringList{QString(), QStringLiteral("Error in module "), QString(),
-                                              QStringLiteral("Project file damaged"),
-                                              QStringLiteral("Column 0 :"), QString(),
-                                              QStringLiteral("Done.")}));
+    EXPECT_EQ(LogLines().mid(3),
+              (QStringList{QString(), QStringLiteral("Error in module "), QString(),
+                           QStringLiteral("Project file damaged"), QStringLiteral("Column 0 :"),
+                           QString(), QStringLiteral("Done.")}));
 }
 
 TEST_F(BatchCompileTest, ChipPreferencesOfAnotherChipAreLoggedWithoutADialog) {

@@ -65,8 +65,9 @@ TEST_F(CompilerComponentTest, AMissingComponentNamesTheFileAndWhereItWasLookedFo
 
 TEST_F(CompilerComponentTest, EmptyDirectoriesAreNotLookedIn) {
     const ErrObject Failure = LoadFailure({QString(), QStringLiteral("  ")});
-    EXPECT_EQ(Failure.Description,
-              QStringLiteral("Can't find compiler DLL:  libKvComp141.so\nNo directory to look in."));
+    EXPECT_EQ(
+        Failure.Description,
+        QStringLiteral("Can't find compiler DLL:  libKvComp141.so\nNo directory to look in."));
 }
 
 TEST_F(CompilerComponentTest, AFileThatIsNoLibraryIsReportedWithTheLoadersReason) {
@@ -101,14 +102,16 @@ TEST_F(CompilerComponentTest, AfterARefusedLibraryTheNextLoadReadsTheFileAfresh)
 TEST_F(CompilerComponentTest, ACreationFunctionThatMakesNoObjectIsRefused) {
     qputenv("KVCOMP_TEST_CREATE", "null");
     const ErrObject Failure = LoadFailure({Install});
-    EXPECT_TRUE(Failure.Description.endsWith(QStringLiteral("\nThe component made no compiler object.")))
+    EXPECT_TRUE(
+        Failure.Description.endsWith(QStringLiteral("\nThe component made no compiler object.")))
         << Failure.Description.toStdString();
 }
 
 TEST_F(CompilerComponentTest, AnObjectWithAHoleInItsTableIsRefused) {
     qputenv("KVCOMP_TEST_CREATE", "incomplete");
     const ErrObject Failure = LoadFailure({Install});
-    EXPECT_TRUE(Failure.Description.endsWith(QStringLiteral("\nThe compiler object lacks operations.")))
+    EXPECT_TRUE(
+        Failure.Description.endsWith(QStringLiteral("\nThe compiler object lacks operations.")))
         << Failure.Description.toStdString();
 }
 

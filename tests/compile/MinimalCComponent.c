@@ -88,7 +88,8 @@ static void RunCompile(KvCompiler* Self, const KvChar* ProjectFilename, KvBool* 
                        int16_t* ModuleNumber, int16_t* LineNumber, int16_t* ColumnNumber,
                        int32_t* EndPosition, int32_t* StartPosition, int32_t* ErrorNumber,
                        const KvChar** ErrorDescription, const KvChar** WarningDescription) {
-    static const KvChar CannotWrite[] = {'C', 'a', 'n', 'n', 'o', 't', ' ', 'w', 'r', 'i', 't', 'e', 0};
+    static const KvChar CannotWrite[] = {'C', 'a', 'n', 'n', 'o', 't', ' ',
+                                         'w', 'r', 'i', 't', 'e', 0};
     const int Written = WriteBeside(ProjectFilename, "kvb") && WriteBeside(ProjectFilename, "kvm");
     ((MinimalCompiler*)Self)->CodeSize = 0;
     *Success = Written ? KVCOMP_TRUE : KVCOMP_FALSE;
@@ -103,10 +104,9 @@ static void RunCompile(KvCompiler* Self, const KvChar* ProjectFilename, KvBool* 
 }
 
 static const KvCompilerOps Operations = {
-    SetLibraryPath, GetVersion, SetStringSize, SetFlag,       SetFlag,
-    SetWindowCenter, SetChipType, SetFlag,     GetZero,       GetCodeSize,
-    GetZero,        NULL,       SetBoundaries, SetBoundaries, SetBoundaries,
-    RunCompile,
+    SetLibraryPath, GetVersion,    SetStringSize, SetFlag,     SetFlag, SetWindowCenter,
+    SetChipType,    SetFlag,       GetZero,       GetCodeSize, GetZero, NULL,
+    SetBoundaries,  SetBoundaries, SetBoundaries, RunCompile,
 };
 
 KvCompiler* KvCompCreate(void) {

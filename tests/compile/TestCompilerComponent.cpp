@@ -49,7 +49,9 @@ struct Script {
     QStringList Symbols;
 };
 
-QString Unescape(QString Text) { return Text.replace(QStringLiteral("\\n"), QStringLiteral("\r\n")); }
+QString Unescape(QString Text) {
+    return Text.replace(QStringLiteral("\\n"), QStringLiteral("\r\n"));
+}
 
 QList<int32_t> Numbers(const QString& Text) {
     QList<int32_t> Result;
@@ -104,7 +106,8 @@ void Record(const QString& Line) {
 }
 
 QString FromKv(const KvChar* Text) {
-    return Text == nullptr ? QString() : QString::fromUtf16(reinterpret_cast<const char16_t*>(Text));
+    return Text == nullptr ? QString()
+                           : QString::fromUtf16(reinterpret_cast<const char16_t*>(Text));
 }
 
 KvBool Answer(const QString& Operation, bool Value) {
@@ -203,8 +206,8 @@ void GetPersistentSize(KvCompiler* Self, int32_t* Size) {
 
 void Reserved12(KvCompiler*) { Record(QStringLiteral("Reserved12")); }
 
-void SetBoundaries(KvCompiler* Self, int Which, const char* Operation, int32_t Low,
-                   int32_t High, KvBool* Success) {
+void SetBoundaries(KvCompiler* Self, int Which, const char* Operation, int32_t Low, int32_t High,
+                   KvBool* Success) {
     const QString Name = QString::fromLatin1(Operation);
     Record(QStringLiteral("%1(%2, %3)").arg(Name).arg(Low).arg(High));
     *Success = Answer(Name, Low >= 0 && Low <= High);
@@ -248,7 +251,8 @@ std::optional<ErrorPlace> Find(const QString& Text, const QString& Needle) {
     int16_t Line = 1;
     int16_t Column = 1;
     for (qsizetype At = 0; At < Index; ++At) {
-        if (Text[At] == QLatin1Char('\r') && At + 1 < Text.size() && Text[At + 1] == QLatin1Char('\n')) {
+        if (Text[At] == QLatin1Char('\r') && At + 1 < Text.size() &&
+            Text[At + 1] == QLatin1Char('\n')) {
             continue;
         }
         if (Text[At] == QLatin1Char('\n')) {
@@ -316,8 +320,12 @@ void RunCompile(KvCompiler* Self, const KvChar* ProjectFilename, KvBool* Success
     }
     if (!Failure && Answers.Error) {
         const QList<int32_t>& E = *Answers.Error;
-        Failure = ErrorPlace{static_cast<int16_t>(E.value(0)), static_cast<int16_t>(E.value(1)),
-                             static_cast<int16_t>(E.value(2)), E.value(3), E.value(4), E.value(5),
+        Failure = ErrorPlace{static_cast<int16_t>(E.value(0)),
+                             static_cast<int16_t>(E.value(1)),
+                             static_cast<int16_t>(E.value(2)),
+                             E.value(3),
+                             E.value(4),
+                             E.value(5),
                              Answers.Description};
     }
 
@@ -370,11 +378,11 @@ void RunCompile(KvCompiler* Self, const KvChar* ProjectFilename, KvBool* Success
     QByteArray Map;
     for (const QString& Symbol : Answers.Symbols) {
         const QStringList Item = Symbol.split(QLatin1Char(','));
-        Map += QStringLiteral("\"%1\",%2,%3,%4,%5").arg(Item.value(0), Item.value(1), Item.value(2),
-                                                       Item.value(3) == QStringLiteral("1")
-                                                           ? QStringLiteral("#TRUE#")
-                                                           : QStringLiteral("#FALSE#"),
-                                                       Item.value(4, QStringLiteral("0")))
+        Map += QStringLiteral("\"%1\",%2,%3,%4,%5")
+                   .arg(Item.value(0), Item.value(1), Item.value(2),
+                        Item.value(3) == QStringLiteral("1") ? QStringLiteral("#TRUE#")
+                                                             : QStringLiteral("#FALSE#"),
+                        Item.value(4, QStringLiteral("0")))
                    .toUtf8();
         Map += QByteArray(",0,0").repeated(8) + "\r\n";
     }
@@ -392,17 +400,17 @@ void RunCompile(KvCompiler* Self, const KvChar* ProjectFilename, KvBool* Success
 
 // A table with a hole, for the loader's check of a broken component.
 const KvCompilerOps IncompleteOperations = {
-    SetLibraryPath, GetVersion,        SetStringSize,    SetChipFamilyFlag,
-    SetStrictSyntax, SetWindowCenter,  SetChipType,      SetOptimize,
-    GetRamSize,     GetCodeSize,       GetPersistentSize, Reserved12,
-    SetRamBoundaries, SetCodeBoundaries, SetPersistentBoundaries, nullptr,
+    SetLibraryPath,    GetVersion,  SetStringSize,    SetChipFamilyFlag, SetStrictSyntax,
+    SetWindowCenter,   SetChipType, SetOptimize,      GetRamSize,        GetCodeSize,
+    GetPersistentSize, Reserved12,  SetRamBoundaries, SetCodeBoundaries, SetPersistentBoundaries,
+    nullptr,
 };
 
 const KvCompilerOps Operations = {
-    SetLibraryPath, GetVersion,        SetStringSize,    SetChipFamilyFlag,
-    SetStrictSyntax, SetWindowCenter,  SetChipType,      SetOptimize,
-    GetRamSize,     GetCodeSize,       GetPersistentSize, Reserved12,
-    SetRamBoundaries, SetCodeBoundaries, SetPersistentBoundaries, RunCompile,
+    SetLibraryPath,    GetVersion,  SetStringSize,    SetChipFamilyFlag, SetStrictSyntax,
+    SetWindowCenter,   SetChipType, SetOptimize,      GetRamSize,        GetCodeSize,
+    GetPersistentSize, Reserved12,  SetRamBoundaries, SetCodeBoundaries, SetPersistentBoundaries,
+    RunCompile,
 };
 
 }  // namespace
