@@ -25,7 +25,6 @@ const QString InstallationError = QStringLiteral("Installation Error");
 
 // The run-time error number of a failed allocation.
 constexpr int32_t OutOfMemory = 7;
-constexpr int32_t CannotCreateObject = 429;
 
 QString VersionText(int Major, int Minor, int Revision) {
     return QStringLiteral("%1.%2.%3").arg(Major).arg(Minor).arg(Revision);
@@ -201,7 +200,7 @@ void CheckCompilerVersion(bool& Success) {
     } catch (...) {
         TakeCurrentException();
         // The loader's error already names the file and the reason.
-        ErrorDisplay::ShowErrorMessage(Err().Number == CannotCreateObject
+        ErrorDisplay::ShowErrorMessage(Err().Number == CompilerComponent::CannotCreateObject
                                            ? Err().Description
                                            : QStringLiteral("Can't find compiler DLL:  ") +
                                                  QString::fromLatin1(KVCOMP_LIBRARY_NAME) +

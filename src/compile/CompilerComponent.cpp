@@ -9,11 +9,8 @@
 
 namespace {
 
-// The run-time error number of an object that cannot be created.
-constexpr int32_t CannotCreateObject = 429;
-
 [[noreturn]] void CannotCreate(const QString& File, const QString& Reason) {
-    RaiseError(CannotCreateObject,
+    RaiseError(CompilerComponent::CannotCreateObject,
                QStringLiteral("Can't find compiler DLL:  ") + File + QStringLiteral("\n") + Reason);
 }
 

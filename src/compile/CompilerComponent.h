@@ -13,6 +13,9 @@ class QLibrary;
 // QString. Load() finds libKvComp141.so, loads it and makes its one object.
 class CompilerComponent {
   public:
+    // The run-time error number of a component that cannot be made.
+    static constexpr int32_t CannotCreateObject = 429;
+
     ~CompilerComponent();
     CompilerComponent(const CompilerComponent&) = delete;
     CompilerComponent& operator=(const CompilerComponent&) = delete;

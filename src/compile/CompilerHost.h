@@ -8,8 +8,7 @@
 // What the compile asks of the editor's main window: the two result texts,
 // the status bar, the chip dialog, the window's middle, and the two ways an
 // error is shown. The editor installs itself while it exists; a batch
-// compiles with the headless host, which keeps the texts and writes the
-// error block to the log.
+// compiles with the headless host, which writes the error block to the log.
 class CompilerHost {
   public:
     virtual ~CompilerHost() = default;
@@ -37,16 +36,14 @@ class CompilerHost {
     static void Uninstall(CompilerHost* Host);
 };
 
-// The host of a compile without an editor window.
+// The host of a compile without an editor window: nobody reads the result
+// texts or sees a status bar there.
 class HeadlessCompilerHost : public CompilerHost {
   public:
-    void SetWarningDescription(const QString& Text) override { WarningDescription = Text; }
-    void SetCompileStatus(const QString& Text) override { CompileStatus = Text; }
+    void SetWarningDescription(const QString&) override {}
+    void SetCompileStatus(const QString&) override {}
     void ShowStatusPanel(int, const QString&) override {}
     void mnuChipDialog_Click() override {}
     // The editor window where it would open: its stored place.
     FormGeometry CurrentGeometry() const override;
-
-    QString WarningDescription;
-    QString CompileStatus;
 };

@@ -374,10 +374,7 @@ void frmSourceEditor::PromptToSaveModules(bool AutoSave, bool& Success) {
         if (!Current.HasChanged(Number)) {
             continue;
         }
-        const QString Name = Current.ModuleList().GetModule(Number)->Name();
-        const int Answer = ErrorDisplay::AskYesNoCancel(
-            QStringLiteral("Save changes to ") + Name + QStringLiteral("?"),
-            QStringLiteral("Save Module"));
+        const int Answer = AskToSaveModule(Number);
         if (Answer == 2) {
             Success = false;
             return;
@@ -386,6 +383,13 @@ void frmSourceEditor::PromptToSaveModules(bool AutoSave, bool& Success) {
             Current.SaveModule(Number);
         }
     }
+}
+
+int frmSourceEditor::AskToSaveModule(int16_t Number) {
+    const QString Name = Project().ModuleList().GetModule(Number)->Name();
+    return ErrorDisplay::AskYesNoCancel(
+        QStringLiteral("Save changes to ") + Name + QStringLiteral("?"),
+        QStringLiteral("Save Module"));
 }
 
 void frmSourceEditor::ProcessExit(bool& CancelUnload) {
@@ -654,14 +658,7 @@ void frmSourceEditor::CompileProject(bool& Success) {
             if (!Project().HasChanged(Number)) {
                 continue;
             }
-            QString Path;
-            QString Name;
-            QString Extension;
-            Project().GetModuleName(Number, Path, Name, Extension);
-            const int Answer = ErrorDisplay::AskYesNoCancel(
-                QStringLiteral("Save changes to ") + Name + QStringLiteral("?"),
-                QStringLiteral("Save Module"));
-            if (Answer != 6) {
+            if (AskToSaveModule(Number) != 6) {
                 ErrorDisplay::ShowErrorMessage(QStringLiteral("Compile cancelled"),
                                                QStringLiteral("Compile Cancelled"));
                 return;

@@ -156,5 +156,7 @@ class frmSourceEditor : public QMainWindow,
     bool TabClickArmed = true;
     bool ExitConfirmed = false;
     void OnActiveEditBox(void (EditBoxModel::*Command)());
+    // "Save changes to NAME?" for module Number: 6 Yes, 7 No, 2 Cancel.
+    int AskToSaveModule(int16_t Number);
     WindowGeometry Placement;
 };

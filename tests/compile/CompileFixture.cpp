@@ -6,7 +6,6 @@
 #include "chip/FileExecutivePRF.h"
 #include "compile/CompilerCentral.h"
 #include "frame/DirectoryCentral.h"
-#include "frame/ErrorDisplay.h"
 #include "frame/GlobalData.h"
 #include "project/ModuleEditWindow.h"
 #include "project/ProjectType.h"
@@ -107,14 +106,7 @@ QStringList CompileFixture::BoxTexts() const {
     return List;
 }
 
-QStringList CompileFixture::LogLines() const {
-    QFile Log(ErrorDisplay::LogFilename());
-    if (!Log.open(QIODevice::ReadOnly)) {
-        return {QStringLiteral("<no log>")};
-    }
-    QStringList Lines = QString::fromUtf8(Log.readAll()).split(QStringLiteral("\r\n"));
-    if (!Lines.isEmpty() && Lines.last().isEmpty()) {
-        Lines.removeLast();
-    }
-    return Lines;
+QByteArray CompileFixture::WorkFile(const QString& Name) const {
+    QFile File(Work + QLatin1Char('/') + Name);
+    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<none>");
 }

@@ -71,8 +71,8 @@ class CompileFixture : public FrameFixture {
     QString ObjectFile(const QString& Name) const;
     // Every box's title and text, "Title|Text".
     QStringList BoxTexts() const;
-    // The log file's lines.
-    QStringList LogLines() const;
+    // The raw bytes of a file in the work path, "<none>" if it can't be read.
+    QByteArray WorkFile(const QString& Name) const;
     // Links the library File into the install directory under the component's name.
     void InstallComponent(const QString& File);
 

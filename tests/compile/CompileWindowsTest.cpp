@@ -65,10 +65,6 @@ class CompileWindowsTest : public CompileFixture {
         return nullptr;
     }
     QString Selected(int Number) { return Module(Number)->rtfEditBox->textCursor().selectedText(); }
-    QByteArray FileBytes(const QString& Name) const {
-        QFile File(Work + QLatin1Char('/') + Name);
-        return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<none>");
-    }
     QString Panel(int Number) const { return Editor->sbrStatus[Number - 1]->text(); }
     // Runs Inspect on the status window once it is up, then presses its OK.
     void WhenStatusWindowOpens(std::function<void(frmCompileStatus&)> Inspect) {
@@ -99,7 +95,7 @@ TEST_F(CompileWindowsTest, CompileAsksToSaveAChangedModuleThenCompilesWhatIsOnDi
     Boxes->QueueAnswer(6);
     Editor->mnuCompile->trigger();
     ASSERT_EQ(BoxTexts(), QStringList{QStringLiteral("Save Module|Save changes to led?")});
-    EXPECT_TRUE(FileBytes(QStringLiteral("led.bas")).startsWith("' Sub Led()"));
+    EXPECT_TRUE(WorkFile(QStringLiteral("led.bas")).startsWith("' Sub Led()"));
     EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")).size(), 1);
     EXPECT_EQ(Panel(3), QStringLiteral("Ok"));
     EXPECT_TRUE(Panel(4).startsWith(QStringLiteral("Compiled OK, Code: ")));
@@ -118,7 +114,7 @@ TEST_F(CompileWindowsTest, AnyAnswerButYesCancelsTheCompile) {
                                            QStringLiteral("Compile Cancelled|Compile cancelled")}));
     }
     EXPECT_EQ(Calls(), QStringList()) << "neither the installation nor the compile was looked at";
-    EXPECT_TRUE(FileBytes(QStringLiteral("led.bas")).startsWith("Sub Led()"));
+    EXPECT_TRUE(WorkFile(QStringLiteral("led.bas")).startsWith("Sub Led()"));
 }
 
 TEST_F(CompileWindowsTest, WithAutomaticSavingEveryModuleIsSavedWithoutAQuestion) {
@@ -127,8 +123,8 @@ TEST_F(CompileWindowsTest, WithAutomaticSavingEveryModuleIsSavedWithoutAQuestion
     QTest::keyClicks(Module(2)->rtfEditBox, QStringLiteral("' "));
     Editor->mnuCompile->trigger();
     EXPECT_EQ(BoxTexts(), QStringList());
-    EXPECT_TRUE(FileBytes(QStringLiteral("main.bas")).startsWith("' Option"));
-    EXPECT_TRUE(FileBytes(QStringLiteral("led.bas")).startsWith("' Sub"));
+    EXPECT_TRUE(WorkFile(QStringLiteral("main.bas")).startsWith("' Option"));
+    EXPECT_TRUE(WorkFile(QStringLiteral("led.bas")).startsWith("' Sub"));
     EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")).size(), 1);
 }
 

@@ -10,6 +10,7 @@
 #include "frame/CommandLineInterpreter.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/ErrorDisplay.h"
+#include "frame/FrameTestSupport.h"
 #include "frame/GlobalData.h"
 #include "project/ProjectType.h"
 #include "support/ModelEditWindow.h"
@@ -46,10 +47,6 @@ class CompilerCentralTest : public CompileFixture {
             }
         }
         return Found;
-    }
-    QByteArray Bytes(const QString& Name) const {
-        QFile File(Work + QLatin1Char('/') + Name);
-        return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<none>");
     }
     ModelEditWindow* WindowOf(int16_t Number) {
         return static_cast<ModelEditWindow*>(
@@ -159,7 +156,7 @@ TEST_F(CompilerCentralTest, AGoodCompileStoresTheSizesAndShowsTheCompiledOkLine)
     EXPECT_EQ(GlobalData::MemorySize, 32768);
     EXPECT_EQ(Host.WarningDescription, QString());
     // The component wrote the image beside the project.
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")).size(), 1024);
+    EXPECT_EQ(WorkFile(QStringLiteral("blink.kvb")).size(), 1024);
     EXPECT_TRUE(QFile::exists(Work + QStringLiteral("/blink.kvm")));
 }
 
@@ -284,7 +281,7 @@ TEST_F(CompilerCentralTest, AFailingCompileWithWarningsShowsErrorsAndKeepsTheWar
     EXPECT_EQ(GlobalData::PersistentSize, 12);
     EXPECT_EQ(GlobalData::MemorySize, 32768) << "set before the compile, kept when it fails";
     EXPECT_EQ(CallsNamed(QStringLiteral("Get")), QStringList());
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")), QByteArray("<none>"));
+    EXPECT_EQ(WorkFile(QStringLiteral("blink.kvb")), QByteArray("<none>"));
 }
 
 TEST_F(CompilerCentralTest, AnErrorInTheSecondModuleSelectsItsTextBeforeAndAfterTheBox) {
@@ -462,7 +459,7 @@ TEST_F(CompilerCentralTest, AComponentWrittenInPlainCFromTheHeaderAloneCompiles)
     EXPECT_TRUE(Compile());
     EXPECT_EQ(Host.CompileStatus,
               QStringLiteral("Compiled OK, Code: 0 bytes, RAM: 0 bytes, PRS: 0 bytes"));
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")), QByteArray());
+    EXPECT_EQ(WorkFile(QStringLiteral("blink.kvb")), QByteArray());
     EXPECT_EQ(Calls(), QStringList()) << "the test double was not the one loaded";
 }
 
@@ -507,13 +504,14 @@ TEST_F(BatchCompileTest, AGoodCompileLeavesCompileAndDoneInTheLog) {
     MakeBlink();
     RunBatch(QStringLiteral("blink"));
     EXPECT_EQ(Batch.Results, QList<bool>{true});
-    EXPECT_EQ(LogLines(),
+    EXPECT_EQ(ReadLogLines(),
               (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
                            QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
                            QStringLiteral("Done.")}));
     EXPECT_EQ(BoxTexts(), QStringList());
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvb")).size(),
-              Bytes(QStringLiteral("main.bas")).size() + Bytes(QStringLiteral("led.bas")).size());
+    EXPECT_EQ(
+        WorkFile(QStringLiteral("blink.kvb")).size(),
+        WorkFile(QStringLiteral("main.bas")).size() + WorkFile(QStringLiteral("led.bas")).size());
 }
 
 TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
@@ -522,7 +520,7 @@ TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
     RunBatch(QStringLiteral("blink"));
     EXPECT_EQ(Batch.Results, QList<bool>{false});
     EXPECT_EQ(
-        LogLines(),
+        ReadLogLines(),
         (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
                      QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"), QString(),
                      QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
@@ -540,7 +538,7 @@ TEST_F(BatchCompileTest, WithoutAnEditorTheHeadlessHostWritesTheSameBlock) {
     CompilerHost::Uninstall(&Host);
     RunBatch(QStringLiteral("blink"));
     EXPECT_EQ(
-        LogLines().mid(3, 6),
+        ReadLogLines().mid(3, 6),
         (QStringList{
             QString(), QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"),
             QString(), QStringLiteral("Type mismatch"), QStringLiteral("Column 3 :"), QString()}));
@@ -550,7 +548,7 @@ TEST_F(BatchCompileTest, AnErrorInNoModuleStillWritesTheBlock) {
     MakeBlink();
     Script("error=0,0,0,0,0,5\ndescription=Project file damaged\n");
     RunBatch(QStringLiteral("blink"));
-    EXPECT_EQ(LogLines().mid(3),
+    EXPECT_EQ(ReadLogLines().mid(3),
               (QStringList{QString(), QStringLiteral("Error in module "), QString(),
                            QStringLiteral("Project file damaged"), QStringLiteral("Column 0 :"),
                            QString(), QStringLiteral("Done.")}));
@@ -560,8 +558,9 @@ TEST_F(BatchCompileTest, ChipPreferencesOfAnotherChipAreLoggedWithoutADialog) {
     MakeBlink();
     Project().PRFfile().ChangeProcessor(1);
     RunBatch(QStringLiteral("blink"));
-    EXPECT_EQ(LogLines().mid(3), (QStringList{QStringLiteral("Chip preferences have not been set"),
-                                              QStringLiteral("Done.")}));
+    EXPECT_EQ(ReadLogLines().mid(3),
+              (QStringList{QStringLiteral("Chip preferences have not been set"),
+                           QStringLiteral("Done.")}));
     EXPECT_EQ(Host.ChipDialogs, 0);
 }
 
@@ -570,7 +569,7 @@ TEST_F(BatchCompileTest, AKv10WithoutEepromSizeIsLoggedWithoutADialog) {
     MakeBlink();
     Project().PRFfile().SpiSize = 0;
     RunBatch(QStringLiteral("blink"));
-    EXPECT_EQ(LogLines().mid(3),
+    EXPECT_EQ(ReadLogLines().mid(3),
               (QStringList{QStringLiteral("Error -- EEPROM memory size is zero or negative"),
                            QStringLiteral("Done.")}));
     EXPECT_EQ(CallsNamed(QStringLiteral("RunCompile")), QStringList());
