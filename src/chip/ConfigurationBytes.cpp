@@ -79,8 +79,8 @@ void ConfigureFromRecords(RegisterArray& Registers, const QString& MissingText, 
         ErrorDisplay::ShowErrorMessage(MissingText, QStringLiteral("Missing PRF File"));
         return;
     }
-    // The records come from one read of the whole file.
-    const QByteArray File = Opened.readAll();
+    // The records come from one read of the bytes they stand in.
+    const QByteArray File = Opened.read(PrfRecordType::UsedLength);
     Opened.close();
     Ports(File);
     PutValues(File, Registers);

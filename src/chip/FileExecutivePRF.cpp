@@ -2,13 +2,14 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <cerrno>
 
 #include "chip/PrfRecordType.h"
 #include "chip/UtilitiesKGUI.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/UtilitiesFilename.h"
 #include "platform/Global.h"
+#include "platform/UserFileWriter.h"
 
 namespace {
 // The counterpart of a read-only attribute: no write permission for the
@@ -62,17 +63,26 @@ void FileExecutivePRF::Initialize(const QString& Path, const QString& Name,
 }
 
 void FileExecutivePRF::OpenFile() {
+    LastFailure_ = UserFileFailure();
     const QString Local = UtilitiesFilename::LocalFilename(FullFilename_);
     const QFileInfo Info(Local);
     QByteArray Image;
     bool Missing = false;
     if (Info.exists()) {
+        // Only a regular file: a pipe in the name's place would block the open.
         QFile File(Local);
-        if (Info.isDir() || !File.open(QIODevice::ReadOnly)) {
+        if (!Info.isFile() || !File.open(QIODevice::ReadOnly)) {
+            LastFailure_ =
+                Info.isFile() ? UserFile::FailureOfErrno(EACCES)
+                : Info.isDir()
+                    ? UserFileFailure{75, QStringLiteral("Path/File access error (a folder has "
+                                                         "that name)")}
+                    : UserFileFailure{75, QStringLiteral("Path/File access error (not "
+                                                         "a regular file)")};
             Reset();
             return;
         }
-        Image = File.readAll();
+        Image = File.read(PrfRecordType::UsedLength);
         if (File.error() != QFileDevice::NoError) {
             Reset();
             return;
@@ -81,6 +91,7 @@ void FileExecutivePRF::OpenFile() {
         // A file yet to be made: it comes into being when the image is put
         // on disk at CloseFile. Its folder must be there.
         if (FullFilename_.isEmpty() || !QFileInfo(Info.absolutePath()).isDir()) {
+            LastFailure_ = UserFile::FailureOfErrno(ENOENT);
             Reset();
             return;
         }
@@ -97,15 +108,31 @@ void FileExecutivePRF::OpenFile() {
 bool FileExecutivePRF::CloseFile() {
     bool Written = true;
     if (IsOpen_ && Changed_) {
-        QSaveFile File(OpenFilename_);
-        Written =
-            File.open(QIODevice::WriteOnly) && File.write(Image_) == Image_.size() && File.commit();
+        Written = WriteImage();
     }
     if (IsOpen_) {
         ErrorDisplay::ProbeDebug(QStringLiteral("PRF file closed: ") + Name_);
     }
     Reset();
     return Written;
+}
+
+bool FileExecutivePRF::WriteImage() {
+    LastFailure_ = UserFileFailure();
+    UserFileWriter Writer(OpenFilename_);
+    Writer.Open();
+    Writer.Write(Image_);
+    // Whatever a longer file holds past the records stays behind them.
+    QFile Old(OpenFilename_);
+    if (!OpenedWithoutFile_ && Old.open(QIODevice::ReadOnly) && Old.size() > Image_.size() &&
+        Old.seek(Image_.size())) {
+        Writer.CopyRest(Old);
+    }
+    if (!Writer.Commit()) {
+        LastFailure_ = Writer.Failure();
+        return false;
+    }
+    return true;
 }
 
 void FileExecutivePRF::ReadRecord(int32_t RecordNumber, int32_t& Value) {

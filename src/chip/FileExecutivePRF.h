@@ -6,6 +6,7 @@
 
 #include "chip/FileStatusTypes.h"
 #include "chip/PinStateTypes.h"
+#include "platform/UserFileWriter.h"
 
 // Record access to one preference file at a time; one instance for the
 // process (FileExecutive()). An open file is held as its whole image; records
@@ -24,8 +25,9 @@ class FileExecutivePRF {
     void Initialize(const QString& Path, const QString& Name, FileStatusTypes& Status);
     void OpenFile();
     // Returns False when a changed image could not be put on disk; the file
-    // that stood there is then left as it was.
+    // that stood there is then left as it was, and LastFailure() tells why.
     bool CloseFile();
+    const UserFileFailure& LastFailure() const { return LastFailure_; }
     bool IsOpen() const { return IsOpen_; }
     // A closed file yields 0, kvOutputLow.
     void ReadPinState(int32_t PinNumber, PinStateTypes& PinState);
@@ -41,6 +43,7 @@ class FileExecutivePRF {
 
   private:
     void Reset();
+    bool WriteImage();
 
     QString Path_;
     QString Name_;
@@ -55,6 +58,7 @@ class FileExecutivePRF {
     QByteArray Image_;
     bool Changed_ = false;
     bool OpenedWithoutFile_ = false;
+    UserFileFailure LastFailure_;
 };
 
 // The process-wide instance, created at its first use.

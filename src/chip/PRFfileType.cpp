@@ -12,6 +12,12 @@ std::function<void(QString&, QString&)> ProjectLocationSource;
 
 bool AsBoolean(int32_t Value) { return Value != 0; }
 int32_t AsRecord(bool Value) { return Value ? 1 : 0; }
+
+// Why the last write of the file failed, as a second line of the message.
+QString CauseLine() {
+    const UserFileFailure& Failure = FileExecutive().LastFailure();
+    return Failure.Number != 0 ? QLatin1Char('\n') + UserFile::ErrorLine(Failure) : QString();
+}
 }  // namespace
 
 void PRFfileType::SetProjectLocationSource(std::function<void(QString&, QString&)> Source) {
@@ -178,9 +184,9 @@ void PRFfileType::SaveOver(const QString& ReadOnlyTitle, const QString& UnableTe
     switch (Status) {
         case fstOK:
         case fstNonexistant:
-            // A failed save leaves the file that stood there; say so.
+            // A failed save leaves the file that stood there; say so, and why.
             if (!WriteAll()) {
-                ErrorDisplay::ShowErrorMessage(UnableText + Filename, UnableTitle);
+                ErrorDisplay::ShowErrorMessage(UnableText + Filename + CauseLine(), UnableTitle);
             }
             break;
         case fstReadOnly:
@@ -221,7 +227,7 @@ void PRFfileType::ReadExistingFile() {
                                        QStringLiteral("Nonexistant PRF File")) == 6) {
                 if (!WriteAll()) {
                     ErrorDisplay::ShowErrorMessage(
-                        QStringLiteral("Unable to create new PRF file ") + Filename,
+                        QStringLiteral("Unable to create new PRF file ") + Filename + CauseLine(),
                         QStringLiteral("Error Creating PRF File"));
                 }
             }

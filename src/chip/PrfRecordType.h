@@ -10,6 +10,9 @@
 struct PrfRecordType {
     static constexpr int RecordLength = 14;
     static constexpr int CompleteRecordCount = 615;
+    // The bytes of the records the system reads and writes; a longer file's
+    // rest is never read into memory and is kept as it is on a save.
+    static constexpr int UsedLength = CompleteRecordCount * RecordLength;
 
     int32_t Value = 0;
     std::array<int16_t, 5> Flags{};

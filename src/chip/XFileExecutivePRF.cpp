@@ -16,7 +16,8 @@ QString PRFfilenameOf(const QString& ProjectFilename) {
 
 bool OpenPRFfile(QFile& File) {
     File.setFileName(UtilitiesFilename::LocalFilename(PRFfilename));
-    return !QFileInfo(File.fileName()).isDir() && File.open(QIODevice::ReadOnly);
+    // Only a regular file: a pipe in its place would block the open.
+    return QFileInfo(File.fileName()).isFile() && File.open(QIODevice::ReadOnly);
 }
 
 bool PRFfileExists() {

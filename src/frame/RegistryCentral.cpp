@@ -1,7 +1,9 @@
 #include "frame/RegistryCentral.h"
 
 #include <algorithm>
+#include <cstdio>
 
+#include "frame/CommandLineInterpreter.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/UtilitiesFilename.h"
 #include "platform/SettingsStore.h"
@@ -18,7 +20,20 @@ QString Get(const QString& Key) {
 }
 
 void Save(const QString& Key, const QString& Value) {
-    SettingsStore::Instance().SaveSetting(AppName, Section, Key, Value);
+    SettingsStore& Store = SettingsStore::Instance();
+    if (Store.SaveSetting(AppName, Section, Key, Value)) {
+        return;
+    }
+    // The value holds for this run; the user learns that it will not outlive it.
+    const QString Text = QStringLiteral("Unable to save the setting ") + Key +
+                         QStringLiteral(" in ") + Store.FailureText();
+    if (CommandLineInterpreter::GetCommandLineMode()) {
+        // Not an error of the batch's commands: it goes beside the log.
+        std::fprintf(stderr, "kavlin: %s\n",
+                     qPrintable(QString(Text).replace(QLatin1Char('\n'), QLatin1Char(' '))));
+        return;
+    }
+    ErrorDisplay::ShowErrorMessage(Text, QStringLiteral("Settings Write Error"));
 }
 
 QString BoolText(bool Value) { return Value ? QStringLiteral("True") : QStringLiteral("False"); }

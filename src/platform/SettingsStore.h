@@ -11,28 +11,20 @@ class SettingsStore {
     virtual ~SettingsStore() = default;
     virtual QString GetSetting(const QString& AppName, const QString& Section,
                                const QString& Key) = 0;
-    virtual void SaveSetting(const QString& AppName, const QString& Section, const QString& Key,
+    // False when the value could not be stored; FailureText() tells where and why.
+    virtual bool SaveSetting(const QString& AppName, const QString& Section, const QString& Key,
                              const QString& Value) = 0;
+    virtual QString FailureText() const { return QString(); }
 
     static SettingsStore& Instance();
     static std::unique_ptr<SettingsStore> Install(std::unique_ptr<SettingsStore> Store);
-};
-
-// QSettings in its native format, which on this platform is INI text, user scope: the application
-// name is both the organisation and the application, the section is the group. For "Kavlin" the
-// file is $XDG_CONFIG_HOME/Kavlin/Kavlin.conf.
-class QSettingsStore : public SettingsStore {
-  public:
-    QString GetSetting(const QString& AppName, const QString& Section, const QString& Key) override;
-    void SaveSetting(const QString& AppName, const QString& Section, const QString& Key,
-                     const QString& Value) override;
 };
 
 // A store in memory, for tests and for code that must not touch the user's file.
 class MemorySettingsStore : public SettingsStore {
   public:
     QString GetSetting(const QString& AppName, const QString& Section, const QString& Key) override;
-    void SaveSetting(const QString& AppName, const QString& Section, const QString& Key,
+    bool SaveSetting(const QString& AppName, const QString& Section, const QString& Key,
                      const QString& Value) override;
     // Every stored value, keyed "AppName/Section/Key".
     const QMap<QString, QString>& Values() const { return Values_; }

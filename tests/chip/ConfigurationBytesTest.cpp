@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 
 #include "PrfImageBuilder.h"
@@ -416,6 +417,25 @@ TEST(ClearRegistersTest, ClearsAll33Bytes) {
     ClearRegisters(Array);
     EXPECT_EQ(Array, RegisterArray{});
     EXPECT_EQ(Array.size(), 33u);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(ConfigurationTest, HugePreferenceFileGivesItsBlockFromTheRecordsAlone) {
+    Save(PrfImageBuilder().AllPins(kvInputTristate).DefaultValues(2));
+    {
+        // Three gigabytes behind the records, as a hole that costs no disk.
+        QFile File(TempPath() + QStringLiteral("/blink.prf"));
+        ASSERT_TRUE(File.resize(3LL << 30));
+    }
+    QElapsedTimer Timer;
+    Timer.start();
+    ConfigureKV20(Registers);
+    EXPECT_LT(Timer.elapsed(), 2000) << "the whole file was read";
+    EXPECT_EQ(BlockKV20(Registers), Block({{0, 2}, {1, 6}, {6, 176}, {7, 176}, {31, 255}}));
+    EXPECT_TRUE(Boxes->Boxes.isEmpty());
 }
 
 }  // namespace

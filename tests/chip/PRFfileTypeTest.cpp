@@ -1,5 +1,6 @@
 #include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -8,6 +9,7 @@
 #include "chip/PRFfileType.h"
 #include "frame/CommandLineInterpreter.h"
 #include "platform/Global.h"
+#include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
 
 namespace {
@@ -349,7 +351,9 @@ TEST_F(PrfFileTest, DirectoryWhereTheFileShouldBeIsReportedAndKept) {
     ASSERT_TRUE(QDir().mkpath(PrfName()));
     Mirror.WriteFile();
     ASSERT_EQ(Boxes->Boxes.size(), 1);
-    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Unable to write PRF file ") + PrfName());
+    EXPECT_EQ(Boxes->Boxes[0].Text,
+              QStringLiteral("Unable to write PRF file ") + PrfName() +
+                  QStringLiteral("\nError 75, Path/File access error (a folder has that name)"));
     EXPECT_TRUE(QFileInfo(PrfName()).isDir());
 }
 
@@ -399,6 +403,78 @@ TEST_F(PrfFileTest, GetPinStateOutsideTheChipGivesTristate) {
     EXPECT_EQ(Mirror.GetPinState(3), kvOutputHigh);
     EXPECT_EQ(Mirror.GetPinState(0), kvInputTristate);
     EXPECT_EQ(Mirror.GetPinState(41), kvInputTristate);
+}
+
+}  // namespace
+
+namespace {
+
+// The most memory this process has held, from the kernel's account.
+int64_t PeakResidentKilobytes() {
+    QFile Status(QStringLiteral("/proc/self/status"));
+    if (!Status.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    for (const QByteArray& Line : Status.readAll().split('\n')) {
+        if (Line.startsWith("VmHWM:")) {
+            return Line.mid(6).trimmed().split(' ').front().toLongLong();
+        }
+    }
+    return 0;
+}
+
+TEST_F(PrfFileTest, SaveOnAFullDiskKeepsTheFileAndTellsTheCause) {
+    PrfImageBuilder Stored(615);
+    ASSERT_TRUE(Stored.Save(PrfName()));
+    Mirror.NodeAddress = 77;
+    {
+        FaultyDisk Disk({.Room = 4096});
+        Mirror.WriteFile();
+        EXPECT_EQ(Disk.Commits, 0);
+    }
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Unable to write PRF file ") + PrfName() +
+                                        QStringLiteral("\nError 61, Disk full"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Error Writing to PRF File"));
+    EXPECT_EQ(FileBytes(), Stored.Image);
+}
+
+TEST_F(PrfFileTest, HugeFileIsReadOnlyAsFarAsItsRecords) {
+    PrfImageBuilder Stored(615);
+    Stored.Value(600, 4321);
+    ASSERT_TRUE(Stored.Save(PrfName()));
+    // Three gigabytes that cost no disk: a hole after the records.
+    {
+        QFile File(PrfName());
+        ASSERT_TRUE(File.resize(3LL << 30));
+    }
+    const int64_t Before = PeakResidentKilobytes();
+    Mirror.ReadExistingFile();
+    EXPECT_EQ(Mirror.NodeAddress, 4321);
+    EXPECT_TRUE(Boxes->Boxes.isEmpty());
+    EXPECT_LT(PeakResidentKilobytes() - Before, 64 * 1024) << "the whole file was read";
+}
+
+TEST_F(PrfFileTest, SaveKeepsWhatALongerFileHoldsBehindTheRecords) {
+    PrfImageBuilder Stored(615);
+    ASSERT_TRUE(Stored.Save(PrfName()));
+    QByteArray Tail(3 * (1 << 20) + 17, '\0');
+    for (qsizetype Index = 0; Index < Tail.size(); ++Index) {
+        Tail[Index] = static_cast<char>(Index * 13 + 1);
+    }
+    {
+        QFile File(PrfName());
+        ASSERT_TRUE(File.open(QIODevice::Append));
+        ASSERT_EQ(File.write(Tail), Tail.size());
+    }
+    Mirror.ReadExistingFile();
+    Mirror.NodeAddress = 77;
+    Mirror.WriteFile();
+    EXPECT_TRUE(Boxes->Boxes.isEmpty());
+    const QByteArray After = FileBytes();
+    ASSERT_EQ(After.size(), 8610 + Tail.size());
+    EXPECT_EQ(After.mid(8610), Tail);
+    EXPECT_EQ(PrfRecordType::Decode(After, PrfRecordType::OffsetOf(600)).Value, 77);
 }
 
 }  // namespace

@@ -10,8 +10,10 @@
 
 #include "PlatformTestSupport.h"
 #include "platform/HeadlessMessageBoxService.h"
+#include "platform/IniSettingsStore.h"
 #include "platform/MessageBoxService.h"
 #include "platform/SettingsStore.h"
+#include "support/FaultyDisk.h"
 #include "support/ScriptedMessageBoxService.h"
 
 namespace {
@@ -110,18 +112,10 @@ TEST(MemorySettingsStore, KeepsValuesApartByApplicationSectionAndKey) {
 
 }  // namespace
 
-// The settings file of the program, pointed at a temporary folder.
-class QSettingsStoreFile : public ::testing::Test {
+// The settings file of the program, in a temporary folder.
+class IniSettingsStoreFile : public ::testing::Test {
   protected:
-    void SetUp() override {
-        ASSERT_TRUE(Folder.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Folder.path());
-    }
-    void TearDown() override {
-        // Back to a folder that outlives this test.
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Spare.path());
-    }
-    static inline QTemporaryDir Spare;
+    void SetUp() override { ASSERT_TRUE(Folder.isValid()); }
     QString FileText() const {
         QFile File(Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf")));
         return File.open(QIODevice::ReadOnly) ? QString::fromUtf8(File.readAll()) : QString();
@@ -129,8 +123,8 @@ class QSettingsStoreFile : public ::testing::Test {
     QTemporaryDir Folder;
 };
 
-TEST_F(QSettingsStoreFile, WritesTheConfigGroupOfKavlinConf) {
-    QSettingsStore Store;
+TEST_F(IniSettingsStoreFile, WritesTheConfigGroupOfKavlinConf) {
+    IniSettingsStore Store(Folder.path());
     Store.SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
                       QStringLiteral("Chip_Type"), QStringLiteral("KV30"));
     const QString Text = FileText();
@@ -141,16 +135,16 @@ TEST_F(QSettingsStoreFile, WritesTheConfigGroupOfKavlinConf) {
               QStringLiteral("KV30"));
 }
 
-TEST_F(QSettingsStoreFile, AbsentKeyReadsEmpty) {
-    QSettingsStore Store;
+TEST_F(IniSettingsStoreFile, AbsentKeyReadsEmpty) {
+    IniSettingsStore Store(Folder.path());
     EXPECT_TRUE(Store
                     .GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
                                 QStringLiteral("Work_Dir"))
                     .isEmpty());
 }
 
-TEST_F(QSettingsStoreFile, KeepsTheMonitorRecordWithItsBlanksAndCommas) {
-    QSettingsStore Store;
+TEST_F(IniSettingsStoreFile, KeepsTheMonitorRecordWithItsBlanksAndCommas) {
+    IniSettingsStore Store(Folder.path());
     const QString Record = QStringLiteral("  1,  19200,N,8,10");
     Store.SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
                       QStringLiteral("KV20port_Number"), Record);
@@ -159,17 +153,137 @@ TEST_F(QSettingsStoreFile, KeepsTheMonitorRecordWithItsBlanksAndCommas) {
               Record);
 }
 
-TEST_F(QSettingsStoreFile, ReadsAValueWrittenByHandWithCommas) {
+TEST_F(IniSettingsStoreFile, ReadsAValueWrittenByHandWithCommas) {
     QDir().mkpath(Folder.filePath(QStringLiteral("Kavlin")));
     QFile File(Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf")));
     ASSERT_TRUE(File.open(QIODevice::WriteOnly));
     File.write("[Config]\nPort_Address=&H378\nKV20port_Number=\"  2,   9600,E,7,20\"\n");
     File.close();
-    QSettingsStore Store;
+    IniSettingsStore Store(Folder.path());
     EXPECT_EQ(Store.GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
                                QStringLiteral("Port_Address")),
               QStringLiteral("&H378"));
     EXPECT_EQ(Store.GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
                                QStringLiteral("KV20port_Number")),
               QStringLiteral("  2,   9600,E,7,20"));
+}
+
+namespace {
+
+const QString Kavlin = QStringLiteral("Kavlin");
+const QString Config = QStringLiteral("Config");
+
+// Texts that need each of the file's escapes.
+const QStringList AwkwardValues = {
+    QStringLiteral("  1,  19200,N,8,10"),
+    QStringLiteral("C:\\Kavlin\\Work"),
+    QStringLiteral("/home/ann/Projekte/Grüße"),
+    QStringLiteral("a=b;c"),
+    QStringLiteral("say \"hi\""),
+    QStringLiteral("@home"),
+    QStringLiteral("trailing "),
+    QStringLiteral("tab\there"),
+    QStringLiteral("line\nbreak"),
+    QStringLiteral("\x01"
+                   "0beef"),
+    QString::fromUtf8("emoji \xF0\x9F\x98\x80"),
+};
+
+}  // namespace
+
+TEST_F(IniSettingsStoreFile, QSettingsReadsEveryValueTheStoreWrote) {
+    IniSettingsStore Store(Folder.path());
+    for (qsizetype Index = 0; Index < AwkwardValues.size(); ++Index) {
+        ASSERT_TRUE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Key%1").arg(Index),
+                                      AwkwardValues[Index]));
+    }
+    QSettings Reader(Store.Filename(Kavlin), QSettings::IniFormat);
+    Reader.beginGroup(Config);
+    for (qsizetype Index = 0; Index < AwkwardValues.size(); ++Index) {
+        EXPECT_EQ(Reader.value(QStringLiteral("Key%1").arg(Index)).toString(), AwkwardValues[Index])
+            << FileText().toStdString();
+    }
+}
+
+TEST_F(IniSettingsStoreFile, StoreReadsEveryValueQSettingsWrote) {
+    IniSettingsStore Store(Folder.path());
+    {
+        QSettings Writer(Store.Filename(Kavlin), QSettings::IniFormat);
+        Writer.beginGroup(Config);
+        for (qsizetype Index = 0; Index < AwkwardValues.size(); ++Index) {
+            Writer.setValue(QStringLiteral("Key%1").arg(Index), AwkwardValues[Index]);
+        }
+    }
+    for (qsizetype Index = 0; Index < AwkwardValues.size(); ++Index) {
+        EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Key%1").arg(Index)),
+                  AwkwardValues[Index])
+            << FileText().toStdString();
+    }
+}
+
+TEST_F(IniSettingsStoreFile, SavingOneKeyKeepsEveryOtherByteOfTheFile) {
+    QDir().mkpath(Folder.filePath(QStringLiteral("Kavlin")));
+    // A work folder whose name is not valid UTF-8, lines ended by CR LF, a
+    // comment, another section and an odd spacing: none of it is the store's to change.
+    const QByteArray Before =
+        "; kept\r\n[Other]\r\nMain_Top=1\r\n\r\n[Config]\r\nWork_Dir=/home/ann/Caf\xE9/work\r\n"
+        "Main_Top = 200\r\nRun_Dir=/opt/kavlin\r\n";
+    {
+        QFile File(Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf")));
+        ASSERT_TRUE(File.open(QIODevice::WriteOnly));
+        File.write(Before);
+    }
+    IniSettingsStore Store(Folder.path());
+    ASSERT_TRUE(
+        Store.SaveSetting(Kavlin, Config, QStringLiteral("Main_Top"), QStringLiteral("345")));
+    ASSERT_TRUE(
+        Store.SaveSetting(Kavlin, Config, QStringLiteral("Main_Left"), QStringLiteral("12")));
+    QFile File(Store.Filename(Kavlin));
+    ASSERT_TRUE(File.open(QIODevice::ReadOnly));
+    EXPECT_EQ(
+        File.readAll(),
+        QByteArray("; kept\r\n[Other]\r\nMain_Top=1\r\n\r\n[Config]\r\n"
+                   "Work_Dir=/home/ann/Caf\xE9/work\r\nMain_Top=345\r\nRun_Dir=/opt/kavlin\r\n"
+                   "Main_Left=12\r\n"));
+}
+
+TEST_F(IniSettingsStoreFile, SavingTheValueThatIsStoredWritesNothing) {
+    QDir().mkpath(Folder.filePath(QStringLiteral("Kavlin")));
+    const QByteArray Before = "[Config]\nWork_Dir=/home/ann/Caf\xE9/work\nMain_Top=  200\n";
+    const QString Name = Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf"));
+    {
+        QFile File(Name);
+        ASSERT_TRUE(File.open(QIODevice::WriteOnly));
+        File.write(Before);
+    }
+    // Read-only, so that any write at all would fail and say so.
+    ASSERT_TRUE(QFile::setPermissions(Name, QFileDevice::ReadOwner));
+    IniSettingsStore Store(Folder.path());
+    const QString WorkDir = Store.GetSetting(Kavlin, Config, QStringLiteral("Work_Dir"));
+    EXPECT_TRUE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Work_Dir"), WorkDir));
+    EXPECT_TRUE(
+        Store.SaveSetting(Kavlin, Config, QStringLiteral("Main_Top"), QStringLiteral("200")));
+    EXPECT_TRUE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Absent"), QString()));
+    QFile File(Name);
+    ASSERT_TRUE(File.open(QIODevice::ReadOnly));
+    EXPECT_EQ(File.readAll(), Before);
+}
+
+TEST_F(IniSettingsStoreFile, SaveOnAFullDiskKeepsTheFileAndTellsWhy) {
+    IniSettingsStore Store(Folder.path());
+    ASSERT_TRUE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Work_Dir"),
+                                  QStringLiteral("/home/ann/work")));
+    const QString Before = FileText();
+    {
+        FaultyDisk Disk({.Room = 0});
+        EXPECT_FALSE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Work_Dir"),
+                                       QStringLiteral("/home/ann/other")));
+        EXPECT_EQ(Disk.Commits, 0);
+    }
+    EXPECT_EQ(Store.FailureText(),
+              Store.Filename(Kavlin) + QStringLiteral("\nError 61, Disk full"));
+    EXPECT_EQ(FileText(), Before);
+    // This run goes on with the value it was given.
+    EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Work_Dir")),
+              QStringLiteral("/home/ann/other"));
 }
