@@ -370,7 +370,7 @@ void frmSourceEditor::PromptToSaveModules(bool AutoSave, bool& Success) {
         Current.SaveAll();
         return;
     }
-    for (int16_t Number = 1; Number <= Current.ModuleCount(); ++Number) {
+    for (int Number = 1; Number <= Current.ModuleCount(); ++Number) {
         if (!Current.HasChanged(Number)) {
             continue;
         }
@@ -654,7 +654,7 @@ void frmSourceEditor::CompileProject(bool& Success) {
     Success = false;
     // The compiler reads the modules from disk: whatever is compiled is saved first.
     if (!RegistryCentral::RegistryGetSaveFile()) {
-        for (int16_t Number = 1; Number <= Project().ModuleCount(); ++Number) {
+        for (int Number = 1; Number <= Project().ModuleCount(); ++Number) {
             if (!Project().HasChanged(Number)) {
                 continue;
             }

@@ -37,13 +37,19 @@ QString TrimBlanks(const QString& Text) {
     return Text.mid(Start, End - Start);
 }
 
-QString MakeFilename(const QString& Path, const QString& Name, const QString& Extension) {
+QChar LastSeparatorOf(const QString& LongFilename) {
+    const qsizetype Pos = LastSeparator(LongFilename);
+    return Pos >= 0 ? LongFilename[Pos] : QChar();
+}
+
+QString MakeFilename(const QString& Path, const QString& Name, const QString& Extension,
+                     QChar Separator) {
     const QString P = TrimBlanks(Path);
     const QString N = TrimBlanks(Name);
     const QString E = TrimBlanks(Extension);
     QString Result = P;
     if (!P.isEmpty() && !IsSeparator(P.back())) {
-        Result += SeparatorFor(P);
+        Result += Separator.isNull() ? SeparatorFor(P) : Separator;
     }
     Result += N;
     if (!E.isEmpty()) {

@@ -10,7 +10,12 @@ namespace UtilitiesFilename {
 // Path, a separator unless Path is empty or already ends in one, Name, and
 // "." with Extension unless it is empty. The separator is the one Path
 // already uses, else "/" ("\" after a bare drive such as "C:").
-QString MakeFilename(const QString& Path, const QString& Name, const QString& Extension);
+// A Separator given joins instead (a name read from a file is written back
+// with the separator it had).
+QString MakeFilename(const QString& Path, const QString& Name, const QString& Extension,
+                     QChar Separator = QChar());
+// The separator that stands last in LongFilename; none if it has none.
+QChar LastSeparatorOf(const QString& LongFilename);
 void SplitFilename(const QString& LongFilename, QString& Path, QString& Name, QString& Extension);
 QString GetPathPart(const QString& LongFilename);
 QString GetExtensionPart(const QString& LongFilename);

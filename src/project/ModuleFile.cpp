@@ -1,10 +1,10 @@
 #include "project/ModuleFile.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QStringDecoder>
 
 #include "frame/UtilitiesFilename.h"
+#include "platform/UserFileWriter.h"
 
 namespace ModuleFile {
 
@@ -55,19 +55,6 @@ bool ToCp1252(const QString& Text, QByteArray& Bytes) {
     return true;
 }
 
-void TakeError(const QFileDevice& File, int32_t& Number, QString& Description) {
-    switch (File.error()) {
-        case QFileDevice::ResizeError:
-        case QFileDevice::WriteError:
-            Number = 61;
-            Description = QStringLiteral("Disk full");
-            break;
-        default:
-            Number = 75;
-            Description = QStringLiteral("Path/File access error");
-            break;
-    }
-}
 }  // namespace
 
 QString Decode(const QByteArray& Bytes, ModuleFileFormat& Format) {
@@ -120,19 +107,13 @@ bool Read(const QString& Filename, QString& Text, ModuleFileFormat& Format) {
     return File.error() == QFileDevice::NoError;
 }
 
-bool WriteBytes(const QString& Filename, const QByteArray& Bytes, int32_t& ErrorNumber,
-                QString& ErrorDescription) {
-    QSaveFile File(UtilitiesFilename::LocalFilename(Filename));
-    if (!File.open(QIODevice::WriteOnly) || File.write(Bytes) != Bytes.size() || !File.commit()) {
-        TakeError(File, ErrorNumber, ErrorDescription);
-        return false;
-    }
-    return true;
+bool WriteBytes(const QString& Filename, const QByteArray& Bytes, UserFileFailure& Failure) {
+    return UserFile::Write(UtilitiesFilename::LocalFilename(Filename), Bytes, Failure);
 }
 
 bool Write(const QString& Filename, const QString& Text, const ModuleFileFormat& Format,
-           int32_t& ErrorNumber, QString& ErrorDescription) {
-    return WriteBytes(Filename, Encode(Text, Format), ErrorNumber, ErrorDescription);
+           UserFileFailure& Failure) {
+    return WriteBytes(Filename, Encode(Text, Format), Failure);
 }
 
 }  // namespace ModuleFile

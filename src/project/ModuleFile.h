@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include "platform/UserFileWriter.h"
+
 // A module's text file: read as UTF-8 when it is valid UTF-8, else as
 // Windows-1252, and written back the way it came (encoding, byte order mark,
 // line ends), so a module saved without an edit is the same bytes as before.
@@ -21,11 +23,10 @@ QByteArray Encode(const QString& Text, const ModuleFileFormat& Format);
 // Reads the whole file; False when it can't be read.
 bool Read(const QString& Filename, QString& Text, ModuleFileFormat& Format);
 // Writes the whole file in one step; on failure the old file stays and
-// ErrorNumber and ErrorDescription tell why.
+// Failure tells why.
 bool Write(const QString& Filename, const QString& Text, const ModuleFileFormat& Format,
-           int32_t& ErrorNumber, QString& ErrorDescription);
+           UserFileFailure& Failure);
 // The same for bytes already encoded (the project file).
-bool WriteBytes(const QString& Filename, const QByteArray& Bytes, int32_t& ErrorNumber,
-                QString& ErrorDescription);
+bool WriteBytes(const QString& Filename, const QByteArray& Bytes, UserFileFailure& Failure);
 
 }  // namespace ModuleFile

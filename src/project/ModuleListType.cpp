@@ -24,27 +24,25 @@ ModuleListType::ModuleListType() { Clear(); }
 ModuleListType::~ModuleListType() { Clear(); }
 
 void ModuleListType::Clear() {
+    // Always the first, as the windows have always closed in that order.
     while (!Modules_.empty()) {
+        ByKey_.remove(KeyOf(Modules_.front()->Name()));
         Modules_.erase(Modules_.begin());
     }
     ClearAllTabs();
 }
 
-int ModuleListType::IndexOfName(const QString& Name) const {
-    for (size_t Index = 0; Index < Modules_.size(); ++Index) {
-        if (Modules_[Index]->Name().compare(Name, Qt::CaseInsensitive) == 0) {
-            return static_cast<int>(Index);
-        }
-    }
-    return -1;
+ModuleType* ModuleListType::FindName(const QString& Name) const {
+    return ByKey_.value(KeyOf(Name), nullptr);
 }
 
 void ModuleListType::Add(std::unique_ptr<ModuleType>& Module, bool& IsDuplicate) {
-    if (IndexOfName(Module->Name()) >= 0) {
+    if (FindName(Module->Name()) != nullptr) {
         IsDuplicate = true;
         return;
     }
     const QString Name = Module->Name();
+    ByKey_.insert(KeyOf(Name), Module.get());
     Modules_.push_back(std::move(Module));
     AddNewTab(Name);
     IsDuplicate = false;
@@ -61,20 +59,20 @@ ModuleType* ModuleListType::GetModule(int16_t ModuleNumber) const {
 }
 
 ModuleType* ModuleListType::GetNamedModule(const QString& Name) const {
-    const int Index = IndexOfName(Name);
-    if (Index < 0) {
+    ModuleType* Module = FindName(Name);
+    if (Module == nullptr) {
         ErrorDisplay::ProbeError(
             QStringLiteral("Error_1 in ModuleListType.GetNamedModule\nCan't find module [") + Name +
             QStringLiteral("]"));
-        return nullptr;
     }
-    return Modules_[Index].get();
+    return Module;
 }
 
 void ModuleListType::Remove(int16_t ModuleNumber) {
     if (ModuleNumber < 1 || ModuleNumber > Count()) {
         return;
     }
+    ByKey_.remove(KeyOf(Modules_[ModuleNumber - 1]->Name()));
     Modules_.erase(Modules_.begin() + (ModuleNumber - 1));
     RenumberModules();
 }
@@ -104,7 +102,7 @@ void ModuleListType::Rename(int16_t ModuleNumber, const QString& NewFilename, bo
                                            QStringLiteral("Illegal Identifier"));
             return;
         }
-        if (IndexOfName(NewName) >= 0) {
+        if (FindName(NewName) != nullptr) {
             ErrorDisplay::ShowErrorMessage(QStringLiteral("Unable to rename module as ") + NewName +
                                                QStringLiteral("\nName duplicates an existing name"),
                                            QStringLiteral("Duplicate Name"));
@@ -120,6 +118,7 @@ void ModuleListType::Rename(int16_t ModuleNumber, const QString& NewFilename, bo
         Renamed->SetSourceCode(Old->SourceCode());
         Renamed->IsDefined = true;
         Remove(ModuleNumber);
+        ByKey_.insert(KeyOf(NewName), Renamed.get());
         if (Count() >= ModuleNumber) {
             Modules_.insert(Modules_.begin() + (ModuleNumber - 1), std::move(Renamed));
         } else {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <cstdint>
 #include <memory>
@@ -28,7 +29,11 @@ class ModuleListType {
   private:
     void RenumberModules();
     void Clear();
-    int IndexOfName(const QString& Name) const;
+    // The module of a name, without regard to case.
+    ModuleType* FindName(const QString& Name) const;
+    static QString KeyOf(const QString& Name) { return Name.toCaseFolded(); }
 
     std::vector<std::unique_ptr<ModuleType>> Modules_;
+    // The keys, so that a project of many modules loads in linear time.
+    QHash<QString, ModuleType*> ByKey_;
 };

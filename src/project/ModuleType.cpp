@@ -100,6 +100,7 @@ void ModuleType::Rename(const QString& NewPath, const QString& NewName,
     Path_ = NewPath;
     Name_ = NewName;
     Extension_ = NewExtension;
+    PathSeparator_ = QChar();
     if (HasEditBox_) {
         EditWindow_->SetCaption(NewName);
     }
@@ -113,6 +114,10 @@ void ModuleType::LoadExistingModule(const QString& DefaultPath, const QString& L
     QString SplitPath;
     UtilitiesFilename::SplitFilename(LongModuleName, SplitPath, Name_, Extension_);
     Path_ = SplitPath.isEmpty() ? DefaultPath : SplitPath;
+    PathSeparator_ =
+        SplitPath.isEmpty()
+            ? QChar()
+            : UtilitiesFilename::LastSeparatorOf(UtilitiesFilename::TrimBlanks(LongModuleName));
     if (!UtilitiesCommon::IsLegalIdentifier(Name_)) {
         ErrorDisplay::ShowErrorMessage(
             QStringLiteral("Module name ") + Name_ + QStringLiteral(" not legal identifier"),

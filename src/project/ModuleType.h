@@ -32,6 +32,9 @@ class ModuleType {
     const QString& Path() const { return Path_; }
     const QString& Name() const { return Name_; }
     const QString& Extension() const { return Extension_; }
+    // The separator the project file's line put before the name; none when
+    // the line had no directory or the module was renamed.
+    QChar PathSeparator() const { return PathSeparator_; }
     void Rename(const QString& NewPath, const QString& NewName, const QString& NewExtension);
     void LoadExistingModule(const QString& DefaultPath, const QString& LongModuleName,
                             int16_t NewNumber, bool& ModuleFileExists);
@@ -45,6 +48,7 @@ class ModuleType {
     QString Path_;
     QString Name_;
     QString Extension_;
+    QChar PathSeparator_;
     int16_t Number_ = 0;
     std::unique_ptr<ModuleEditWindow> EditWindow_;
     bool HasEditBox_ = false;

@@ -16,12 +16,10 @@ ProjectEditorHost* Host() { return ProjectEditorHost::Instance(); }
 
 // The whole project file in one step; a failure is told with its number.
 void WriteProjectFile(const QString& Filename, const QByteArray& Bytes) {
-    int32_t Number = 0;
-    QString Description;
-    if (!ModuleFile::WriteBytes(Filename, Bytes, Number, Description)) {
+    UserFileFailure Failure;
+    if (!ModuleFile::WriteBytes(Filename, Bytes, Failure)) {
         ErrorDisplay::ShowErrorMessage(QStringLiteral("Error writing project file ") + Filename +
-                                           QStringLiteral("\nError ") + QString::number(Number) +
-                                           QStringLiteral(", ") + Description,
+                                           QLatin1Char('\n') + UserFile::ErrorLine(Failure),
                                        QStringLiteral("Project Write Error"));
     }
 }
@@ -87,7 +85,7 @@ int16_t ProjectType::ModuleCount() const { return ModuleList_ ? ModuleList_->Cou
 
 QStringList ProjectType::ProjectFileLines() {
     QStringList Lines;
-    for (int16_t Number = 1; Number <= ModuleCount(); ++Number) {
+    for (int Number = 1; Number <= ModuleCount(); ++Number) {
         const ModuleType* Module = ModuleList().GetModule(Number);
         // The module's directory is the project's only when it is the same text exactly.
         if (Module->Path() == Path_) {
@@ -95,9 +93,12 @@ QStringList ProjectType::ProjectFileLines() {
                                                      Module->Extension());
         } else {
             Lines << UtilitiesFilename::MakeFilename(Module->Path(), Module->Name(),
-                                                     Module->Extension());
+                                                     Module->Extension(), Module->PathSeparator());
         }
     }
+    // Modules the open could not load are still the project's: the user did
+    // not remove them.
+    Lines << UnreadLines_;
     if (Lines.isEmpty()) {
         Lines << QString();
     }
@@ -122,13 +123,11 @@ void ProjectType::SaveModuleFile(int16_t ModuleNumber) {
     }
     const QString Filename =
         UtilitiesFilename::MakeFilename(Module->Path(), Module->Name(), Module->Extension());
-    int32_t Number = 0;
-    QString Description;
-    if (!ModuleFile::Write(Filename, Module->SourceCode(), Module->Format, Number, Description)) {
+    UserFileFailure Failure;
+    if (!ModuleFile::Write(Filename, Module->SourceCode(), Module->Format, Failure)) {
         // The change flag stays as it was: nothing was saved.
         ErrorDisplay::ShowErrorMessage(QStringLiteral("Error writing module ") + Module->Name() +
-                                           QStringLiteral("\nError ") + QString::number(Number) +
-                                           QStringLiteral(", ") + Description,
+                                           QLatin1Char('\n') + UserFile::ErrorLine(Failure),
                                        QStringLiteral("Module Write Error"));
         return;
     }
@@ -161,7 +160,7 @@ void ProjectType::SaveAll() {
     if (!IsDefined_) {
         return;
     }
-    for (int16_t Number = 1; Number <= ModuleCount(); ++Number) {
+    for (int Number = 1; Number <= ModuleCount(); ++Number) {
         SaveModuleFile(Number);
     }
     SaveFileKVP();
@@ -240,20 +239,28 @@ void ProjectType::OpenProject(const QString& NewPath, const QString& NewName,
         QStringList Lines;
         if (File.open(QIODevice::ReadOnly)) {
             // Lines as either platform wrote them: CR LF or LF alone, UTF-8 or the old code page.
+            // A lone CR ends a line as well.
             ModuleFileFormat Format;
             QString Text = ModuleFile::Decode(File.readAll(), Format);
             Text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+            Text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
             Lines = Text.split(QLatin1Char('\n'));
             if (!Lines.isEmpty() && Lines.back().isEmpty()) {
                 Lines.removeLast();
             }
         }
         PRFfile_->ReadExistingFile();
-        for (QString Line : Lines) {
-            Line = UtilitiesFilename::TrimBlanks(Line);
+        for (qsizetype Index = 0; Index < Lines.size(); ++Index) {
+            const QString Line = UtilitiesFilename::TrimBlanks(Lines[Index]);
             bool Success = false;
             AddExistingModule(NewPath, Line, Success);
             if (!Success) {
+                for (qsizetype Rest = Index; Rest < Lines.size(); ++Rest) {
+                    const QString Unread = UtilitiesFilename::TrimBlanks(Lines[Rest]);
+                    if (!Unread.isEmpty()) {
+                        UnreadLines_ << Unread;
+                    }
+                }
                 SetIsDefined(true);
                 ErrorDisplay::ShowErrorMessage(QStringLiteral("Unable to open module: ") + Line,
                                                QStringLiteral("Module Open Error"));
@@ -275,6 +282,14 @@ void ProjectType::AddExistingModule(const QString& DefaultPath, const QString& L
                                     bool& Success) {
     Success = false;
     if (LongModuleName.isEmpty()) {
+        return;
+    }
+    if (ModuleCount() >= MaxModuleCount) {
+        ErrorDisplay::ShowErrorMessage(
+            QStringLiteral("Too many modules: a project holds at most ") +
+                QString::number(MaxModuleCount) + QStringLiteral(", and ") + LongModuleName +
+                QStringLiteral(" would be one more"),
+            QStringLiteral("Too Many Modules"));
         return;
     }
     auto Module = std::make_unique<ModuleType>();
@@ -318,25 +333,25 @@ void ProjectType::ActivateModule(int16_t ModuleNumber) {
 
 void ProjectType::AreWindowsMaximized(bool& Result) {
     Result = false;
-    for (int16_t Number = 1; Number <= ModuleCount() && !Result; ++Number) {
+    for (int Number = 1; Number <= ModuleCount() && !Result; ++Number) {
         Result = ModuleList().GetModule(Number)->IsWindowMaximized();
     }
 }
 
 void ProjectType::SetEditorFont() {
-    for (int16_t Number = 1; Number <= ModuleCount(); ++Number) {
+    for (int Number = 1; Number <= ModuleCount(); ++Number) {
         ModuleList().GetModule(Number)->SetEditorFont();
     }
 }
 
 void ProjectType::SetEditorColors() {
-    for (int16_t Number = 1; Number <= ModuleCount(); ++Number) {
+    for (int Number = 1; Number <= ModuleCount(); ++Number) {
         ModuleList().GetModule(Number)->SetEditorColors();
     }
 }
 
 void ProjectType::SetTabWidth() {
-    for (int16_t Number = 1; Number <= ModuleCount(); ++Number) {
+    for (int Number = 1; Number <= ModuleCount(); ++Number) {
         ModuleList().GetModule(Number)->SetTabWidth();
     }
 }

@@ -13,6 +13,9 @@
 // open".
 class ProjectType {
   public:
+    // Module numbers are 16-bit: one more module would wrap the count.
+    static constexpr int16_t MaxModuleCount = INT16_MAX;
+
     ~ProjectType();
 
     // The preference file's mirror, created at its first use.
@@ -61,6 +64,9 @@ class ProjectType {
     QString Extension_;
     bool IsDefined_ = false;
     std::unique_ptr<ModuleListType> ModuleList_;
+    // The project file's lines from the one that failed to load on: written
+    // back after the modules, so a save never drops them.
+    QStringList UnreadLines_;
 };
 
 // GlobalData's Project: created empty at its first use; Global<ProjectType>::Unload()

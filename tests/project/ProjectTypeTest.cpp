@@ -7,6 +7,7 @@
 #include "project/ProjectEditorHost.h"
 #include "project/ProjectType.h"
 #include "project/RecentProjects.h"
+#include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
 #include "support/ModelEditWindow.h"
 #include "support/QtPrinters.h"
@@ -119,14 +120,88 @@ TEST_F(ProjectTest, ModulesElsewhereAreWrittenInFullInListOrder) {
 }
 
 TEST_F(ProjectTest, SamePathInAnotherCaseIsWrittenInFull) {
-    WriteFile(QStringLiteral("blink.kvp"), "");
-    Open();
-    Project().SaveProjectAs(Dir.toUpper(), QStringLiteral("blink"), QStringLiteral("kvp"));
-    WriteFile(QStringLiteral("main.bas"), "a");
+    // Two folders whose names differ in case alone.
+    ASSERT_TRUE(QDir().mkpath(File(QStringLiteral("Src"))));
+    ASSERT_TRUE(QDir().mkpath(File(QStringLiteral("src"))));
+    WriteFile(QStringLiteral("Src/blink.kvp"), "");
+    WriteFile(QStringLiteral("Src/blink.prf"), QByteArray(8610, '\0'));
+    WriteFile(QStringLiteral("src/main.bas"), "a");
+    Project().OpenProject(File(QStringLiteral("Src")), QStringLiteral("blink"),
+                          QStringLiteral("kvp"), false);
     bool Success = false;
-    Project().AddExistingModule(Dir, QStringLiteral("main.bas"), Success);
+    Project().AddExistingModule(File(QStringLiteral("src")), QStringLiteral("main.bas"), Success);
     ASSERT_TRUE(Success);
-    EXPECT_EQ(Project().ProjectFileLines(), QStringList{Dir + QStringLiteral("/main.bas")});
+    Project().SaveFileKVP();
+    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << Texts().join(QLatin1Char('|')).toStdString();
+    EXPECT_EQ(Bytes(QStringLiteral("Src/blink.kvp")),
+              File(QStringLiteral("src/main.bas")).toUtf8() + "\r\n");
+}
+
+TEST_F(ProjectTest, LoneCarriageReturnsEndTheProjectFilesLines) {
+    WriteFile(QStringLiteral("blink.kvp"), "main.bas\rled.bas\r");
+    WriteFile(QStringLiteral("main.bas"), "a");
+    WriteFile(QStringLiteral("led.bas"), "b");
+    WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
+    ProjectType& P = Open();
+    ASSERT_EQ(P.ModuleCount(), 2) << Texts().join(QLatin1Char('|')).toStdString();
+    P.SaveFileKVP();
+    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("main.bas\r\nled.bas\r\n"));
+}
+
+TEST_F(ProjectTest, ModuleLineKeepsItsSeparatorWhenWrittenBack) {
+    // A project shared with the other platform names a module in a folder
+    // beside the project, with its separator.
+    QDir().mkpath(File(QStringLiteral("lib")));
+    WriteFile(QStringLiteral("lib/Latin.bas"), "a");
+    WriteFile(QStringLiteral("lib/Greek.bas"), "b");
+    WriteFile(QStringLiteral("main.bas"), "c");
+    WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
+    const QByteArray Lines = "main.bas\r\nlib\\Latin.bas\r\nlib/Greek.bas\r\n";
+    WriteFile(QStringLiteral("blink.kvp"), Lines);
+    const QString Before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(Dir));
+    ProjectType& P = Open();
+    const int Count = P.ModuleCount();
+    P.SaveFileKVP();
+    QDir::setCurrent(Before);
+    ASSERT_EQ(Count, 3) << Texts().join(QLatin1Char('|')).toStdString();
+    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), Lines);
+}
+
+TEST_F(ProjectTest, ModulesTheOpenCouldNotLoadStayInTheSavedProjectFile) {
+    WriteFile(QStringLiteral("blink.kvp"), "main.bas\r\ngone.bas\r\nled.bas\r\n\r\n");
+    WriteFile(QStringLiteral("main.bas"), "a");
+    WriteFile(QStringLiteral("led.bas"), "b");
+    WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
+    ProjectType& P = Open();
+    ASSERT_EQ(P.ModuleCount(), 1);
+    EXPECT_EQ(Texts().back(), QStringLiteral("Unable to open module: gone.bas"));
+    P.SaveAll();
+    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")),
+              QByteArray("main.bas\r\ngone.bas\r\nled.bas\r\n"));
+}
+
+TEST_F(ProjectTest, MoreModulesThanTheCountHoldsAreRefused) {
+    // One more than a 16-bit count holds; each module a file of its own.
+    QByteArray Lines;
+    for (int Number = 1; Number <= ProjectType::MaxModuleCount + 1; ++Number) {
+        const QString Name = QStringLiteral("m%1.bas").arg(Number);
+        WriteFile(Name, "x");
+        Lines += Name.toUtf8() + "\r\n";
+    }
+    WriteFile(QStringLiteral("blink.kvp"), Lines);
+    WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
+    ProjectType& P = Open();
+    EXPECT_EQ(P.ModuleCount(), ProjectType::MaxModuleCount);
+    ASSERT_GE(Boxes->Boxes.size(), 2);
+    EXPECT_EQ(Boxes->Boxes[Boxes->Boxes.size() - 2].Text,
+              QStringLiteral("Too many modules: a project holds at most 32767, and m32768.bas "
+                             "would be one more"));
+    EXPECT_EQ(Boxes->Boxes[Boxes->Boxes.size() - 2].Title, QStringLiteral("Too Many Modules"));
+    // Every loop over the modules ends.
+    bool Maximized = true;
+    P.AreWindowsMaximized(Maximized);
+    EXPECT_FALSE(Maximized);
 }
 
 TEST_F(ProjectTest, IllegalModuleNamesRefuseToLoad) {
@@ -286,7 +361,8 @@ TEST_F(ProjectWithModules, SaveAllWritesModulesProjectAndPreferences) {
     EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")),
               QByteArray("main.bas\r\nled.bas\r\nlast.bas\r\n"));
     // The mirror went back to the file: a MaxVstr of 0 read as 16 is written as 16.
-    EXPECT_EQ(Bytes(QStringLiteral("blink.prf")).mid(614 * 14, 4), QByteArray("\x10\x00\x00\x00", 4));
+    EXPECT_EQ(Bytes(QStringLiteral("blink.prf")).mid(614 * 14, 4),
+              QByteArray("\x10\x00\x00\x00", 4));
 }
 
 TEST_F(ProjectWithModules, FailedModuleSaveKeepsTheModuleChangedAndTheFileAsItWas) {
@@ -295,9 +371,49 @@ TEST_F(ProjectWithModules, FailedModuleSaveKeepsTheModuleChangedAndTheFileAsItWa
     QDir().mkpath(File(QStringLiteral("led.bas")));
     Project().SaveModule(2);
     ASSERT_EQ(Boxes->Boxes.size(), 1);
-    EXPECT_TRUE(
-        Boxes->Boxes[0].Text.startsWith(QStringLiteral("Error writing module led\nError ")));
+    EXPECT_EQ(Boxes->Boxes[0].Text,
+              QStringLiteral("Error writing module led\nError 75, Path/File access error (a folder "
+                             "has that name)"));
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Module Write Error"));
+    EXPECT_TRUE(Project().HasChanged(2));
+}
+
+TEST_F(ProjectWithModules, SaveAllOnAFullDiskLeavesEveryFileAndTellsWhy) {
+    WindowOf(1)->Box.Type(QStringLiteral("' new\r\n"));
+    const QByteArray Main = Bytes(QStringLiteral("main.bas"));
+    const QByteArray Kvp = Bytes(QStringLiteral("blink.kvp"));
+    const QByteArray Prf = Bytes(QStringLiteral("blink.prf"));
+    {
+        FaultyDisk Disk({.Room = 0});
+        Project().SaveAll();
+        EXPECT_EQ(Disk.Commits, 0);
+    }
+    EXPECT_EQ(Bytes(QStringLiteral("main.bas")), Main);
+    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), Kvp);
+    EXPECT_EQ(Bytes(QStringLiteral("blink.prf")), Prf);
+    EXPECT_TRUE(Project().HasChanged(1));
+    EXPECT_EQ(Texts(),
+              (QStringList{
+                  QStringLiteral("Error writing module main\nError 61, Disk full"),
+                  QStringLiteral("Error writing module led\nError 61, Disk full"),
+                  QStringLiteral("Error writing module last\nError 61, Disk full"),
+                  QStringLiteral("Error writing project file ") +
+                      File(QStringLiteral("blink.kvp")) + QStringLiteral("\nError 61, Disk full"),
+                  QStringLiteral("Unable to write PRF file ") + File(QStringLiteral("blink.prf")) +
+                      QStringLiteral("\nError 61, Disk full")}));
+}
+
+TEST_F(ProjectWithModules, ReadOnlyModuleIsRefusedWithItsCauseAndStaysReadOnly) {
+    WindowOf(2)->Box.Type(QStringLiteral("z"));
+    const QFileDevice::Permissions ReadOnly =
+        QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther;
+    ASSERT_TRUE(QFile::setPermissions(File(QStringLiteral("led.bas")), ReadOnly));
+    Project().SaveModule(2);
+    EXPECT_EQ(Texts(), QStringList{QStringLiteral(
+                           "Error writing module led\nError 70, Permission denied (the file is "
+                           "read-only)")});
+    EXPECT_EQ(Bytes(QStringLiteral("led.bas")), QByteArray("x = 1"));
+    EXPECT_EQ(QFile::permissions(File(QStringLiteral("led.bas"))) & 0x7077, ReadOnly & 0x7077);
     EXPECT_TRUE(Project().HasChanged(2));
 }
 
