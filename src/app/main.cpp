@@ -16,6 +16,11 @@
 #include "sim/SimulatedSerialLine.h"
 
 namespace {
+// The process's exit codes besides 0 (README lists them).
+constexpr int NoDisplayExitCode = 1;
+constexpr int UsageExitCode = 2;
+const char* const NoDisplayText = "kavlin: no display; the windows cannot be shown\n";
+
 bool HasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") ||
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -31,13 +36,24 @@ QString CommandLineOf(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // An empty word first would vanish in the joined line and turn
+    // "kavlin '' /c" into an interactive open of "/c".
+    if (argc >= 3 && argv[1][0] == '\0') {
+        std::fputs("kavlin: the project name is empty; give it before the commands\n", stderr);
+        return UsageExitCode;
+    }
     // A command line must run where there is no display: a batch never shows
     // a window, and a project that is not found is reported and ends the run.
     int16_t ArgumentCount = 0;
     CommandLineInterpreter::ParseCommandLine(CommandLineOf(argc, argv),
                                              CommandLineInterpreter::MaxArguments, ArgumentCount);
-    const bool ChoseOffscreen =
-        ArgumentCount >= 1 && !HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    const bool NoPlatformChosen = !HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (ArgumentCount == 0 && NoPlatformChosen) {
+        // Qt would abort for want of a display; say it as for a project name.
+        std::fputs(NoDisplayText, stderr);
+        return NoDisplayExitCode;
+    }
+    const bool ChoseOffscreen = ArgumentCount >= 1 && NoPlatformChosen;
     if (ChoseOffscreen) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
@@ -73,12 +89,16 @@ int main(int argc, char** argv) {
         ErrorDisplay::CloseLogFile();
     } else if (!frmDownloader::ProcessHasEnded() && ChoseOffscreen) {
         // Interactive from here on, but there is no display to show it on.
-        std::fputs("kavlin: no display; the windows cannot be shown\n", stderr);
-        ExitCode = 1;
+        std::fputs(NoDisplayText, stderr);
+        ExitCode = NoDisplayExitCode;
     } else if (!frmDownloader::ProcessHasEnded()) {
         Downloader.show();
         ExitCode = QApplication::exec();
     }
     Global<frmDownloader>::Unload();
+    // A build script must never read a stale log as this run's result.
+    if (ArgumentCount >= 2 && ErrorDisplay::GetLogFailed()) {
+        ExitCode = ErrorDisplay::LogFailedExitCode;
+    }
     return ExitCode;
 }

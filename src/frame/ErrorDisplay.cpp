@@ -1,12 +1,20 @@
 #include "frame/ErrorDisplay.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QFile>
+#include <QStringList>
+#include <cerrno>
+#include <cstdio>
 #include <memory>
 
 #include "frame/CommandLineInterpreter.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/UtilitiesFilename.h"
 #include "platform/MessageBoxService.h"
+#include "platform/UserFileWriter.h"
 
 namespace ErrorDisplay {
 
@@ -14,6 +22,55 @@ namespace {
 std::unique_ptr<QFile> LogFile;
 bool LogFileIsOpen = false;
 bool ErrorWasLogged = false;
+// The log could not be opened or written: its lines go to standard error.
+bool LogFailed = false;
+// The lines of this batch, so that standard error gets them all when the
+// file fails half way.
+QList<QByteArray> LinesSoFar;
+
+void ToStandardError(const QByteArray& Line) {
+    std::fwrite(Line.constData(), 1, static_cast<size_t>(Line.size()), stderr);
+    std::fflush(stderr);
+}
+
+void FailLog(const QString& Cause) {
+    if (LogFailed) {
+        return;
+    }
+    LogFailed = true;
+    ToStandardError((QStringLiteral("kavlin: the log ") + LogFilename() +
+                     QStringLiteral(" cannot be written (") + Cause +
+                     QStringLiteral("); its lines follow here\n"))
+                        .toLocal8Bit());
+    for (const QByteArray& Line : LinesSoFar) {
+        ToStandardError(Line);
+    }
+}
+
+// Opens the log for output without ever blocking: a pipe, a folder or any
+// other file that is not a regular one is refused at once.
+int OpenRegularFile(const QString& Filename, QString& Cause) {
+    const QByteArray Name = QFile::encodeName(Filename);
+    const QString NotAFile = QStringLiteral("Path/File access error (not a regular file)");
+    struct stat Status {};
+    if (::stat(Name.constData(), &Status) == 0 && !S_ISREG(Status.st_mode)) {
+        Cause = NotAFile;
+        return -1;
+    }
+    const int Handle =
+        ::open(Name.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, 0644);
+    if (Handle < 0) {
+        Cause = UserFile::FailureOfErrno(errno).Description;
+        return -1;
+    }
+    // Something other than a file slipped in between the look and the open.
+    if (::fstat(Handle, &Status) != 0 || !S_ISREG(Status.st_mode)) {
+        ::close(Handle);
+        Cause = NotAFile;
+        return -1;
+    }
+    return Handle;
+}
 }  // namespace
 
 void InitializeErrorDisplay() {
@@ -23,6 +80,8 @@ void InitializeErrorDisplay() {
     }
     LogFileIsOpen = false;
     ErrorWasLogged = false;
+    LogFailed = false;
+    LinesSoFar.clear();
 }
 
 QString LogFilename() {
@@ -34,9 +93,18 @@ void OpenLogFile() {
     if (LogFileIsOpen) {
         return;
     }
-    auto File = std::make_unique<QFile>(UtilitiesFilename::LocalFilename(LogFilename()));
     // Each batch replaces the log of the one before.
-    if (!File->open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    QString Cause;
+    const int Handle = OpenRegularFile(UtilitiesFilename::LocalFilename(LogFilename()), Cause);
+    if (Handle < 0) {
+        FailLog(Cause);
+        return;
+    }
+    auto File = std::make_unique<QFile>();
+    if (!File->open(Handle, QIODevice::WriteOnly | QIODevice::Unbuffered,
+                    QFileDevice::AutoCloseHandle)) {
+        ::close(Handle);
+        FailLog(File->errorString());
         return;
     }
     LogFile = std::move(File);
@@ -55,17 +123,26 @@ void CloseLogFile() {
 }
 
 void LogMessage(const QString& Text) {
-    if (!LogFileIsOpen || !LogFile) {
-        return;
-    }
     // A message of several lines keeps the log's CR LF line ends throughout.
     QString Lines = Text;
     Lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
         .replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
     const QByteArray Line = Lines.toUtf8() + "\r\n";
-    // Flushed line by line: a batch that dies still leaves what it got to.
-    if (LogFile->write(Line) != Line.size() || !LogFile->flush()) {
+    if (LogFailed) {
+        ToStandardError(Line);
+        return;
+    }
+    if (!LogFileIsOpen || !LogFile) {
+        return;
+    }
+    LinesSoFar << Line;
+    // Written unbuffered, line by line: a batch that dies still leaves what
+    // it got to, and a full disk is seen at the line it hit.
+    errno = 0;
+    if (LogFile->write(Line) != Line.size()) {
+        const int Error = errno;
         ProbeDebug(QStringLiteral("Error_1 in ErrorDisplay.LogMessage"));
+        FailLog(Error != 0 ? UserFile::FailureOfErrno(Error).Description : LogFile->errorString());
     }
 }
 
@@ -113,5 +190,7 @@ void ProbeDebug(const QString& Text) {
 bool GetLogFileIsOpen() { return LogFileIsOpen; }
 
 bool GetErrorWasLogged() { return ErrorWasLogged; }
+
+bool GetLogFailed() { return LogFailed; }
 
 }  // namespace ErrorDisplay

@@ -24,6 +24,10 @@ void ProbeDebug(const QString& Text);
 
 bool GetLogFileIsOpen();
 bool GetErrorWasLogged();
+// The log of this batch could not be opened or written; its lines went to
+// standard error, and the process ends with LogFailedExitCode.
+bool GetLogFailed();
+constexpr int LogFailedExitCode = 3;
 // Full name of the log file: Kavlin.err in the work path.
 QString LogFilename();
 

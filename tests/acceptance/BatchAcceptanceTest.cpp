@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
@@ -7,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include "chip/PrfImageBuilder.h"
+#include "support/FaultyDisk.h"
 
 namespace {
 
@@ -315,6 +317,122 @@ TEST_F(BatchAcceptance, AnotherComponentVersionIsReportedAtStartUpOnly) {
         << StandardError.toStdString();
     EXPECT_TRUE(StandardError.contains(QStringLiteral("Actual version:  2.0.23")));
     EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
+}
+
+}  // namespace
+
+namespace {
+
+// The lines a batch meant for its log, as they reached standard error.
+QStringList LinesOnStandardError(const QString& StandardError) {
+    QString Text = StandardError;
+    Text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return Text.split(QLatin1Char('\n'));
+}
+
+TEST_F(BatchAcceptance, LogThatIsAPipeIsRefusedAtOnceAndItsLinesGoToStandardError) {
+    const QString Log = Work + QStringLiteral("/Kavlin.err");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Log).constData(), 0644), 0);
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 3);
+    const QStringList Lines = LinesOnStandardError(StandardError);
+    EXPECT_TRUE(Lines.contains(QStringLiteral("kavlin: the log ") + Log +
+                               QStringLiteral(" cannot be written (Path/File access error (not a "
+                                              "regular file)); its lines follow here")))
+        << StandardError.toStdString();
+    EXPECT_TRUE(Lines.contains(QStringLiteral("Command line:  blink /c")));
+    EXPECT_TRUE(Lines.contains(QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp")));
+    EXPECT_TRUE(Lines.contains(QStringLiteral("Done.")));
+}
+
+TEST_F(BatchAcceptance, LogThatIsAFolderEndsTheRunWithExitCode3AndItsLinesOnStandardError) {
+    ASSERT_TRUE(QDir().mkpath(Work + QStringLiteral("/Kavlin.err")));
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/x")}), 3);
+    const QStringList Lines = LinesOnStandardError(StandardError);
+    EXPECT_TRUE(Lines.contains(QStringLiteral("Error -- illegal command:  /x")))
+        << StandardError.toStdString();
+    EXPECT_TRUE(QFileInfo(Work + QStringLiteral("/Kavlin.err")).isDir());
+}
+
+TEST_F(BatchAcceptance, LogOnAReadOnlyFileSystemLeavesTheOldLogAndSaysSo) {
+    const QString Mounted = Root.filePath(QStringLiteral("mounted"));
+    SmallTmpfs Disk(Mounted, 1 << 20);
+    if (!Disk.Mounted()) {
+        GTEST_SKIP() << "this machine lets no test mount a file system";
+    }
+    for (const QString& Name :
+         {QStringLiteral("blink.kvp"), QStringLiteral("blink.bas"), QStringLiteral("blink.prf")}) {
+        ASSERT_TRUE(QFile::copy(Work + QLatin1Char('/') + Name, Mounted + QLatin1Char('/') + Name));
+    }
+    // The log of an earlier, good run: it must not pass for this one's.
+    Touch(Mounted + QStringLiteral("/Kavlin.err"), "Command line:  blink /c\r\n\r\nDone.\r\n");
+    ASSERT_TRUE(Disk.MakeReadOnly());
+    Work = Mounted;
+    WriteSettings(Install);
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 3);
+    EXPECT_TRUE(
+        StandardError.contains(QStringLiteral("(Permission denied (read-only file system))")))
+        << StandardError.toStdString();
+    EXPECT_TRUE(LinesOnStandardError(StandardError).contains(QStringLiteral("Done.")));
+}
+
+TEST_F(BatchAcceptance, LogOnAFullFileSystemSendsEveryLineToStandardError) {
+    const QString Mounted = Root.filePath(QStringLiteral("mounted"));
+    SmallTmpfs Disk(Mounted, 1 << 20);
+    if (!Disk.Mounted()) {
+        GTEST_SKIP() << "this machine lets no test mount a file system";
+    }
+    for (const QString& Name :
+         {QStringLiteral("blink.kvp"), QStringLiteral("blink.bas"), QStringLiteral("blink.prf")}) {
+        ASSERT_TRUE(QFile::copy(Work + QLatin1Char('/') + Name, Mounted + QLatin1Char('/') + Name));
+    }
+    Disk.FillUpTo(0);
+    Work = Mounted;
+    WriteSettings(Install);
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 3);
+    const QStringList Lines = LinesOnStandardError(StandardError);
+    EXPECT_TRUE(StandardError.contains(QStringLiteral(" cannot be written (Disk full)")))
+        << StandardError.toStdString();
+    EXPECT_TRUE(Lines.contains(QStringLiteral("Command line:  blink /c")));
+    EXPECT_TRUE(Lines.contains(QStringLiteral("Done.")));
+}
+
+TEST_F(BatchAcceptance, AGoodLogEndsTheRunWithExitCode0AndNothingOnStandardError) {
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 0);
+    EXPECT_EQ(LogLines().last(), QStringLiteral("Done."));
+    EXPECT_FALSE(StandardError.contains(QStringLiteral("cannot be written")));
+}
+
+TEST_F(BatchAcceptance, EmptyProjectNameBeforeTheCommandsIsRefused) {
+    EXPECT_EQ(Run({QString(), QStringLiteral("/c")}), 2);
+    EXPECT_TRUE(StandardError.contains(
+        QStringLiteral("kavlin: the project name is empty; give it before the commands")))
+        << StandardError.toStdString();
+    EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/Kavlin.err")));
+}
+
+TEST_F(BatchAcceptance, NoArgumentsWithoutADisplayEndWithTheClearMessage) {
+    EXPECT_EQ(Run({}), 1);
+    EXPECT_TRUE(
+        StandardError.contains(QStringLiteral("kavlin: no display; the windows cannot be shown")))
+        << StandardError.toStdString();
+    EXPECT_EQ(Run({QString()}), 1);
+    EXPECT_TRUE(
+        StandardError.contains(QStringLiteral("kavlin: no display; the windows cannot be shown")))
+        << StandardError.toStdString();
+}
+
+TEST_F(BatchAcceptance, SettingsTheBatchDidNotChangeKeepTheirBytes) {
+    // A work folder stored in another platform's code page: not valid UTF-8.
+    const QByteArray Stored =
+        "[Config]\nWork_Dir=" + Work.toUtf8() + "/Caf\xE9\nRun_Dir=" + Install.toUtf8() + "\n";
+    Touch(Config + QStringLiteral("/Kavlin/Kavlin.conf"), Stored);
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
+    ASSERT_TRUE(Conf.open(QIODevice::ReadOnly));
+    const QByteArray After = Conf.readAll();
+    // The window geometry was stored, and the rest is as it was.
+    EXPECT_TRUE(After.startsWith(Stored)) << After.toStdString();
+    EXPECT_TRUE(After.contains("Main_Top=200"));
 }
 
 }  // namespace

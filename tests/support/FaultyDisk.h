@@ -119,6 +119,11 @@ class SmallTmpfs {
     SmallTmpfs(const SmallTmpfs&) = delete;
     SmallTmpfs& operator=(const SmallTmpfs&) = delete;
     bool Mounted() const { return Mounted_; }
+    // From now on nothing on it can be written.
+    bool MakeReadOnly() const {
+        return ::mount("tmpfs", QFile::encodeName(Folder_).constData(), "tmpfs",
+                       MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    }
     // Takes all the room but Spare bytes with a file of its own.
     void FillUpTo(int64_t Spare) const {
         QFile Filler(Folder_ + QStringLiteral("/filler"));
