@@ -14,6 +14,7 @@
 #include "platform/Global.h"
 #include "project/ProjectType.h"
 #include "project/RecentProjects.h"
+#include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
 #include "support/QtPrinters.h"
 #include "support/ScriptedFileDialogService.h"
@@ -350,6 +351,67 @@ TEST_F(SourceEditorTest, SaveProjectAsWithoutAProjectSaysSo) {
     ASSERT_EQ(Boxes->Boxes.size(), 1);
     EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("No project open"));
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("No Project Open"));
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(SourceEditorTest, SaveProjectOnAFullDiskKeepsEveryFileShowsTheCauseAndExitStillAsks) {
+    const QString Disk = File(QStringLiteral("disk"));
+    SmallTmpfs Tmpfs(Disk, 256 * 1024);
+    if (!Tmpfs.Mounted()) {
+        GTEST_SKIP() << "this machine lets no test mount a file system";
+    }
+    const QStringList Names = {QStringLiteral("blink.kvp"), QStringLiteral("main.bas"),
+                               QStringLiteral("led.bas"), QStringLiteral("blink.prf")};
+    for (const QString& Name : Names) {
+        ASSERT_TRUE(QFile::copy(File(Name), Disk + QLatin1Char('/') + Name));
+    }
+    Dialogs->Answers.push_back(Disk + QStringLiteral("/blink.kvp"));
+    Editor->mnuOpenProject->trigger();
+    Settle();
+    frmEditBoxType* Main = Module(1);
+    ASSERT_NE(Main, nullptr);
+    Editor->mdiArea->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(Main->parentWidget()));
+    Main->RichText().SetSelStart(0);
+    QTest::keyClicks(Main->rtfEditBox, QStringLiteral("' a - b.c"));
+    Settle();
+    ASSERT_TRUE(Main->HasChanged());
+    QMap<QString, QByteArray> Before;
+    for (const QString& Name : Names) {
+        QFile Old(Disk + QLatin1Char('/') + Name);
+        ASSERT_TRUE(Old.open(QIODevice::ReadOnly));
+        Before.insert(Name, Old.readAll());
+    }
+    Tmpfs.FillUpTo(0);
+    Boxes->Boxes.clear();
+
+    Editor->mnuSaveProject->trigger();
+    Settle();
+    for (const QString& Name : Names) {
+        QFile After(Disk + QLatin1Char('/') + Name);
+        ASSERT_TRUE(After.open(QIODevice::ReadOnly));
+        EXPECT_EQ(After.readAll(), Before.value(Name)) << Name.toStdString();
+    }
+    ASSERT_FALSE(Boxes->Boxes.isEmpty());
+    EXPECT_EQ(Boxes->Boxes[0].Text,
+              QStringLiteral("Error writing module main\nError 61, Disk full"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Module Write Error"));
+    for (const auto& Box : Boxes->Boxes) {
+        EXPECT_TRUE(Box.Text.endsWith(QStringLiteral("\nError 61, Disk full")))
+            << Box.Text.toStdString();
+    }
+    EXPECT_TRUE(Main->HasChanged());
+
+    // Nothing was saved, so leaving asks.
+    Boxes->Boxes.clear();
+    Boxes->QueueAnswer(2);
+    Editor->mnuExit->trigger();
+    Settle();
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Save changes to main?"));
+    EXPECT_TRUE(GlobalData::GetEditorIsOpen());
 }
 
 }  // namespace
