@@ -422,11 +422,13 @@ TEST_F(BatchAcceptance, NoArgumentsWithoutADisplayEndWithTheClearMessage) {
 }
 
 TEST_F(BatchAcceptance, SettingsTheBatchDidNotChangeKeepTheirBytes) {
-    // A work folder stored in another platform's code page: not valid UTF-8.
-    const QByteArray Stored =
-        "[Config]\nWork_Dir=" + Work.toUtf8() + "/Caf\xE9\nRun_Dir=" + Install.toUtf8() + "\n";
+    // Names stored in another platform's code page: not valid UTF-8.
+    const QByteArray Stored = "[Config]\nWork_Dir=" + Work.toUtf8() + "\nRun_Dir=" +
+                              Install.toUtf8() +
+                              "\nLast_Project_1=/home/ann/Caf\xE9/blink.kvp\n"
+                              "Editor_Font_Name=Courier \xA0New\n";
     Touch(Config + QStringLiteral("/Kavlin/Kavlin.conf"), Stored);
-    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 0);
     QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
     ASSERT_TRUE(Conf.open(QIODevice::ReadOnly));
     const QByteArray After = Conf.readAll();
