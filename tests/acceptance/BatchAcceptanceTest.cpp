@@ -46,6 +46,17 @@ class BatchAcceptance : public ::testing::Test {
         Conf.write("[Config]\nWork_Dir=" + Work.toUtf8() + "\nRun_Dir=" + RunDir.toUtf8() + "\n");
     }
 
+    // The project's files go to another folder, which becomes the work path.
+    void MoveWorkTo(const QString& Folder) {
+        for (const QString& Name : {QStringLiteral("blink.kvp"), QStringLiteral("blink.bas"),
+                                    QStringLiteral("blink.prf")}) {
+            ASSERT_TRUE(
+                QFile::copy(Work + QLatin1Char('/') + Name, Folder + QLatin1Char('/') + Name));
+        }
+        Work = Folder;
+        WriteSettings(Install);
+    }
+
     static void Touch(const QString& Name, const QByteArray& Content = QByteArray()) {
         QFile File(Name);
         ASSERT_TRUE(File.open(QIODevice::WriteOnly));
@@ -354,20 +365,14 @@ TEST_F(BatchAcceptance, LogThatIsAFolderEndsTheRunWithExitCode3AndItsLinesOnStan
 }
 
 TEST_F(BatchAcceptance, LogOnAReadOnlyFileSystemLeavesTheOldLogAndSaysSo) {
-    const QString Mounted = Root.filePath(QStringLiteral("mounted"));
-    SmallTmpfs Disk(Mounted, 1 << 20);
+    SmallTmpfs Disk(Root.filePath(QStringLiteral("mounted")), 1 << 20);
     if (!Disk.Mounted()) {
         GTEST_SKIP() << "this machine lets no test mount a file system";
     }
-    for (const QString& Name :
-         {QStringLiteral("blink.kvp"), QStringLiteral("blink.bas"), QStringLiteral("blink.prf")}) {
-        ASSERT_TRUE(QFile::copy(Work + QLatin1Char('/') + Name, Mounted + QLatin1Char('/') + Name));
-    }
+    MoveWorkTo(Root.filePath(QStringLiteral("mounted")));
     // The log of an earlier, good run: it must not pass for this one's.
-    Touch(Mounted + QStringLiteral("/Kavlin.err"), "Command line:  blink /c\r\n\r\nDone.\r\n");
+    Touch(Work + QStringLiteral("/Kavlin.err"), "Command line:  blink /c\r\n\r\nDone.\r\n");
     ASSERT_TRUE(Disk.MakeReadOnly());
-    Work = Mounted;
-    WriteSettings(Install);
     EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 3);
     EXPECT_TRUE(
         StandardError.contains(QStringLiteral("(Permission denied (read-only file system))")))
@@ -376,18 +381,12 @@ TEST_F(BatchAcceptance, LogOnAReadOnlyFileSystemLeavesTheOldLogAndSaysSo) {
 }
 
 TEST_F(BatchAcceptance, LogOnAFullFileSystemSendsEveryLineToStandardError) {
-    const QString Mounted = Root.filePath(QStringLiteral("mounted"));
-    SmallTmpfs Disk(Mounted, 1 << 20);
+    SmallTmpfs Disk(Root.filePath(QStringLiteral("mounted")), 1 << 20);
     if (!Disk.Mounted()) {
         GTEST_SKIP() << "this machine lets no test mount a file system";
     }
-    for (const QString& Name :
-         {QStringLiteral("blink.kvp"), QStringLiteral("blink.bas"), QStringLiteral("blink.prf")}) {
-        ASSERT_TRUE(QFile::copy(Work + QLatin1Char('/') + Name, Mounted + QLatin1Char('/') + Name));
-    }
+    MoveWorkTo(Root.filePath(QStringLiteral("mounted")));
     Disk.FillUpTo(0);
-    Work = Mounted;
-    WriteSettings(Install);
     EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 3);
     const QStringList Lines = LinesOnStandardError(StandardError);
     EXPECT_TRUE(StandardError.contains(QStringLiteral(" cannot be written (Disk full)")))
@@ -423,8 +422,8 @@ TEST_F(BatchAcceptance, NoArgumentsWithoutADisplayEndWithTheClearMessage) {
 
 TEST_F(BatchAcceptance, SettingsTheBatchDidNotChangeKeepTheirBytes) {
     // Names stored in another platform's code page: not valid UTF-8.
-    const QByteArray Stored = "[Config]\nWork_Dir=" + Work.toUtf8() + "\nRun_Dir=" +
-                              Install.toUtf8() +
+    const QByteArray Stored = "[Config]\nWork_Dir=" + Work.toUtf8() +
+                              "\nRun_Dir=" + Install.toUtf8() +
                               "\nLast_Project_1=/home/ann/Caf\xE9/blink.kvp\n"
                               "Editor_Font_Name=Courier \xA0New\n";
     Touch(Config + QStringLiteral("/Kavlin/Kavlin.conf"), Stored);
