@@ -8,6 +8,7 @@
 #include "CompileFixture.h"
 #include "compile/CompilerCentral.h"
 #include "frame/CommandLineInterpreter.h"
+#include "project/TextModuleWindow.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/FrameTestSupport.h"
@@ -512,6 +513,19 @@ TEST_F(BatchCompileTest, AGoodCompileLeavesCompileAndDoneInTheLog) {
     EXPECT_EQ(
         WorkFile(QStringLiteral("blink.kvb")).size(),
         WorkFile(QStringLiteral("main.bas")).size() + WorkFile(QStringLiteral("led.bas")).size());
+}
+
+TEST_F(BatchCompileTest, ABatchHoldsItsModulesTextWithoutWindowsOrColour) {
+    MakeBlink();
+    RunBatch(QStringLiteral("blink"));
+    ASSERT_EQ(Project().ModuleCount(), 2);
+    for (int Number = 1; Number <= 2; ++Number) {
+        const ModuleType* Module = Project().ModuleList().GetModule(static_cast<int16_t>(Number));
+        EXPECT_NE(dynamic_cast<TextModuleWindow*>(Module->EditWindow()), nullptr)
+            << "module " << Number << " was given an edit window nobody sees";
+    }
+    EXPECT_EQ(Project().ModuleList().GetModule(2)->SourceCode().toUtf8(),
+              WorkFile(QStringLiteral("led.bas")));
 }
 
 TEST_F(BatchCompileTest, ACompileErrorWritesTheErrorBlockBeforeDone) {
