@@ -42,6 +42,17 @@ TEST_F(UserFileWriterTest, NewBytesTakeTheOldFilesPlace) {
     EXPECT_EQ(Entries(), QStringList{QStringLiteral("Main.bas")});
 }
 
+TEST_F(UserFileWriterTest, LinkToTheFileStaysALinkAndTheFileBehindItGetsTheBytes) {
+    ASSERT_TRUE(QDir(Folder.path()).mkdir(QStringLiteral("shared")));
+    Put(QStringLiteral("shared/Main.bas"), Old);
+    ASSERT_TRUE(
+        QFile::link(Path(QStringLiteral("shared/Main.bas")), Path(QStringLiteral("Main.bas"))));
+    UserFileFailure Failure;
+    ASSERT_TRUE(UserFile::Write(Path(QStringLiteral("Main.bas")), New, Failure));
+    EXPECT_TRUE(QFileInfo(Path(QStringLiteral("Main.bas"))).isSymLink());
+    EXPECT_EQ(Bytes(QStringLiteral("shared/Main.bas")), New);
+}
+
 TEST_F(UserFileWriterTest, FileKeepsItsPermissions) {
     Put(QStringLiteral("Main.bas"), Old);
     const QFileDevice::Permissions Mode =
