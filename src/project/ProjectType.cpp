@@ -223,6 +223,7 @@ void ProjectType::OpenProject(const QString& NewPath, const QString& NewName,
     Name_ = NewName;
     Extension_ = NewExtension;
     SetFilenames();
+    UnreadLines_.clear();
     ModuleList_ = std::make_unique<ModuleListType>();
     PRFfile_ = std::make_unique<PRFfileType>();
     PRFfile_->Path = NewPath;
