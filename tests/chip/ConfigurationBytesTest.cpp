@@ -103,12 +103,21 @@ TEST_F(ConfigurationTest, Kv20OptionsFillTheArrayButNeverReachTheBlock) {
               Block({{0, 2}, {1, 6}, {6, 176}, {7, 176}, {9, 128}, {10, 129}, {31, 255}}));
 }
 
-TEST_F(ConfigurationTest, Kv20Pin5HighSetsBit7OfPortCAndPin12Bit0) {
-    Save(PrfImageBuilder().AllPins(kvInputTristate).Pin(5, kvOutputHigh).Pin(12, kvOutputHigh));
+// Each pin alone: with both high the byte is 129 whichever end each one maps to.
+TEST_F(ConfigurationTest, Kv20Pin5HighSetsBit7OfPortC) {
+    Save(PrfImageBuilder().AllPins(kvInputTristate).Pin(5, kvOutputHigh));
     ConfigureKV20(Registers);
     const ConfigurationBlock Result = BlockKV20(Registers);
-    EXPECT_EQ(Result[3], 129) << "port C direction";
-    EXPECT_EQ(Result[4], 129) << "port C data";
+    EXPECT_EQ(Result[3], 128) << "port C direction";
+    EXPECT_EQ(Result[4], 128) << "port C data";
+}
+
+TEST_F(ConfigurationTest, Kv20Pin12HighSetsBit0OfPortC) {
+    Save(PrfImageBuilder().AllPins(kvInputTristate).Pin(12, kvOutputHigh));
+    ConfigureKV20(Registers);
+    const ConfigurationBlock Result = BlockKV20(Registers);
+    EXPECT_EQ(Result[3], 1) << "port C direction";
+    EXPECT_EQ(Result[4], 1) << "port C data";
 }
 
 TEST_F(ConfigurationTest, Kv20Pin25LowLightsTheRedLed) {
