@@ -193,7 +193,6 @@ void frmSourceEditor::BuildToolBar() {
         },
         QStringLiteral("barEditorToolbar_"),
         [this](const QString& Key) { barEditorToolbar_ButtonClick(Key); });
-    barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
 }
 
 void frmSourceEditor::TileModuleWindows(Tiling Arrangement) {
@@ -475,6 +474,9 @@ void frmSourceEditor::closeEvent(QCloseEvent* Event) {
 
 void frmSourceEditor::resizeEvent(QResizeEvent* Event) {
     QMainWindow::resizeEvent(Event);
+    // However narrow the window is made, the tool bar keeps its 4410 twips
+    // (and so holds the window at that width). Set at each resize, the first
+    // of which comes before the window shows.
     barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
 }
 
