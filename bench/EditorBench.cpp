@@ -8,6 +8,7 @@
 #include <QTest>
 #include <memory>
 
+#include "BenchSettings.h"
 #include "editor/frmEditBoxType.h"
 #include "platform/ClipboardService.h"
 #include "platform/HeadlessMessageBoxService.h"
@@ -200,9 +201,9 @@ BENCHMARK(BM_RecolourOneLineMemory)->Iterations(1)->Unit(benchmark::kMillisecond
 }  // namespace
 
 int main(int argc, char** argv) {
+    const BenchSettings Settings;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication Application(argc, argv);
-    SettingsStore::Install(std::make_unique<MemorySettingsStore>());
     MessageBoxService::Install(std::make_unique<HeadlessMessageBoxService>(nullptr));
     ClipboardService::Install(std::make_unique<MemoryClipboardService>());
     benchmark::Initialize(&argc, argv);

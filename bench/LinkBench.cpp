@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "BenchSettings.h"
 #include "link/KavlinControl.h"
 #include "platform/ClockService.h"
 #include "platform/SerialDevices.h"
@@ -124,6 +125,7 @@ BENCHMARK(WriteExternalEEpromWithVerify)
 }  // namespace
 
 int main(int argc, char** argv) {
+    const BenchSettings Settings;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication Application(argc, argv);
     benchmark::Initialize(&argc, argv);

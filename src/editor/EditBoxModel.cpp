@@ -1,6 +1,7 @@
 #include "editor/EditBoxModel.h"
 
 #include "editor/SourceEditorHost.h"
+#include "editor/VirtualKeys.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/RegistryCentral.h"
 #include "platform/ClipboardService.h"
@@ -255,19 +256,19 @@ void EditBoxModel::rtfEditBox_KeyDown(int32_t& KeyCode, int32_t& Shift) {
     }
     if ((Shift & ControlKey) != 0) {
         switch (KeyCode) {
-            case 65:
+            case VirtualKeys::A:
                 EditSelectAll();
                 Handled();
                 break;
-            case 67:
+            case VirtualKeys::C:
                 EditCopy();
                 Handled();
                 break;
-            case 86:
+            case VirtualKeys::V:
                 EditPaste();
                 Handled();
                 break;
-            case 88:
+            case VirtualKeys::X:
                 EditCut();
                 Handled();
                 break;
@@ -277,16 +278,16 @@ void EditBoxModel::rtfEditBox_KeyDown(int32_t& KeyCode, int32_t& Shift) {
         return;
     }
     if ((Shift & ShiftKey) != 0) {
-        if (KeyCode == 45) {
+        if (KeyCode == VirtualKeys::Insert) {
             EditPaste();
             Handled();
-        } else if (KeyCode == 46) {
+        } else if (KeyCode == VirtualKeys::Delete) {
             EditCut();
             Handled();
         }
         return;
     }
-    if (KeyCode == 45) {
+    if (KeyCode == VirtualKeys::Insert) {
         // Left to the control too, whose own overtype mode this mirrors.
         SetInsertMode(!InsertMode_);
     }

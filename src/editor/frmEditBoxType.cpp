@@ -7,32 +7,9 @@
 #include <QMdiSubWindow>
 #include <QMouseEvent>
 
+#include "editor/VirtualKeys.h"
 #include "editor/frmPopupMenu.h"
 #include "platform/Global.h"
-
-namespace {
-// The key codes and shift bits the edit box's table is written in.
-int32_t KeyCodeOf(const QKeyEvent* Event) {
-    const int Key = Event->key();
-    if (Key >= Qt::Key_A && Key <= Qt::Key_Z) {
-        return 65 + (Key - Qt::Key_A);
-    }
-    switch (Key) {
-        case Qt::Key_Insert:
-            return 45;
-        case Qt::Key_Delete:
-            return 46;
-        default:
-            return Key & 0xFFFF;
-    }
-}
-
-int32_t ShiftOf(const QKeyEvent* Event) {
-    const Qt::KeyboardModifiers Modifiers = Event->modifiers();
-    return ((Modifiers & Qt::ShiftModifier) ? 1 : 0) | ((Modifiers & Qt::ControlModifier) ? 2 : 0) |
-           ((Modifiers & Qt::AltModifier) ? 4 : 0);
-}
-}  // namespace
 
 EditBoxControl::EditBoxControl(frmEditBoxType* Owner) : QPlainTextEdit(Owner), Owner_(Owner) {
     setObjectName(QStringLiteral("rtfEditBox"));
@@ -90,15 +67,17 @@ void frmEditBoxType::SetInsertMode(bool Mode) {
 }
 
 bool frmEditBoxType::rtfEditBox_KeyDown(QKeyEvent* Event) {
-    int32_t KeyCode = KeyCodeOf(Event);
-    int32_t Shift = ShiftOf(Event);
-    const bool WasInsertKey = KeyCode == 45 && Shift == 0;
+    const int32_t KeyCodeIn = VirtualKeys::Of(Event->key(), Event->modifiers());
+    int32_t KeyCode = KeyCodeIn;
+    int32_t Shift = VirtualKeys::ShiftOf(Event->modifiers());
+    const bool WasInsertKey = KeyCode == VirtualKeys::Insert && Shift == 0;
     Model_->rtfEditBox_KeyDown(KeyCode, Shift);
     if (WasInsertKey) {
         // The control's own overtype mode follows the edit box's.
         rtfEditBox->setOverwriteMode(!Model_->InsertMode());
     }
-    return KeyCode == 0 && Shift == 0;
+    // The table marks a key it acted on by clearing its code; no key comes in as 0.
+    return KeyCodeIn != 0 && KeyCode == 0;
 }
 
 void frmEditBoxType::rtfEditBox_MouseDown(int32_t Button, const QPoint& GlobalPosition) {

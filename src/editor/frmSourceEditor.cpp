@@ -160,8 +160,10 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
     connect(mnuCompileStatus, &QAction::triggered, this, &frmSourceEditor::mnuCompileStatus_Click);
     connect(mnuWindowCascade, &QAction::triggered, mdiArea, &QMdiArea::cascadeSubWindows);
-    connect(mnuWindowTileHorizontal, &QAction::triggered, mdiArea, &QMdiArea::tileSubWindows);
-    connect(mnuWindowTileVertical, &QAction::triggered, mdiArea, &QMdiArea::tileSubWindows);
+    connect(mnuWindowTileHorizontal, &QAction::triggered, this,
+            [this] { TileModuleWindows(Tiling::TopToBottom); });
+    connect(mnuWindowTileVertical, &QAction::triggered, this,
+            [this] { TileModuleWindows(Tiling::SideBySide); });
     connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
     // Not yet: find and replace, the options, chip, project files and watch
     // window dialogs come with their own parts.
@@ -191,7 +193,36 @@ void frmSourceEditor::BuildToolBar() {
         },
         QStringLiteral("barEditorToolbar_"),
         [this](const QString& Key) { barEditorToolbar_ButtonClick(Key); });
-    barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
+}
+
+void frmSourceEditor::TileModuleWindows(Tiling Arrangement) {
+    // Qt's own tiling makes a grid for both commands; these are bands, in
+    // the modules' order, over the whole area. Minimized windows keep their
+    // places; a maximized one comes back to be tiled with the rest.
+    QList<QMdiSubWindow*> Windows;
+    for (QMdiSubWindow* Sub : mdiArea->subWindowList(QMdiArea::CreationOrder)) {
+        if (Sub->isVisible() && !Sub->isMinimized()) {
+            Windows << Sub;
+        }
+    }
+    const QRect Area = mdiArea->viewport()->rect();
+    const int Count = static_cast<int>(Windows.size());
+    for (int Index = 0; Index < Count; ++Index) {
+        QMdiSubWindow* Sub = Windows[Index];
+        if (Sub->isMaximized()) {
+            Sub->showNormal();
+        }
+        // The bands share out the pixels that don't divide evenly.
+        if (Arrangement == Tiling::TopToBottom) {
+            const int Top = Area.top() + Area.height() * Index / Count;
+            const int Bottom = Area.top() + Area.height() * (Index + 1) / Count;
+            Sub->setGeometry(Area.left(), Top, Area.width(), Bottom - Top);
+        } else {
+            const int Left = Area.left() + Area.width() * Index / Count;
+            const int Right = Area.left() + Area.width() * (Index + 1) / Count;
+            Sub->setGeometry(Left, Area.top(), Right - Left, Area.height());
+        }
+    }
 }
 
 QAction* frmSourceEditor::ToolBarButton(const QString& Key) const {
@@ -443,6 +474,9 @@ void frmSourceEditor::closeEvent(QCloseEvent* Event) {
 
 void frmSourceEditor::resizeEvent(QResizeEvent* Event) {
     QMainWindow::resizeEvent(Event);
+    // However narrow the window is made, the tool bar keeps its 4410 twips
+    // (and so holds the window at that width). Set at each resize, the first
+    // of which comes before the window shows.
     barEditorToolbar->setMinimumWidth(TwipsConversion::TwipsToPixelsX(MinimumToolBarTwips));
 }
 

@@ -152,6 +152,10 @@ class frmSourceEditor : public QMainWindow,
     void InitializeEditor();
     void InitializeStatusBar();
     void RestoreGeometry();
+    // Tile Horizontal stacks the module windows top to bottom, each the area's
+    // full width; Tile Vertical sets them side by side, each its full height.
+    enum class Tiling { TopToBottom, SideBySide };
+    void TileModuleWindows(Tiling Arrangement);
     frmEditBoxType* ActiveEditBox() const;
     bool TabClickArmed = true;
     bool ExitConfirmed = false;

@@ -1,6 +1,12 @@
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
+#include <cerrno>
 
 #include "PrfImageBuilder.h"
 #include "chip/ConfigurationBytes.h"
@@ -20,6 +26,54 @@ ConfigurationBlock Block(std::initializer_list<std::pair<int, int>> NonZero) {
     }
     return Result;
 }
+
+// While it lives, the process can open no more files: it takes the lowest
+// free descriptor and lowers the limit to just above it, so every open()
+// fails with EMFILE, whoever the user is. The limit and the descriptor are
+// given back when it goes.
+class NoFreeDescriptors {
+  public:
+    NoFreeDescriptors() {
+        if (getrlimit(RLIMIT_NOFILE, &Saved_) != 0) {
+            return;
+        }
+        Lowest_ = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (Lowest_ < 0) {
+            return;
+        }
+        rlimit Lowered = Saved_;
+        Lowered.rlim_cur = static_cast<rlim_t>(Lowest_) + 1;
+        Lowered_ = setrlimit(RLIMIT_NOFILE, &Lowered) == 0;
+    }
+    ~NoFreeDescriptors() {
+        if (Lowered_) {
+            setrlimit(RLIMIT_NOFILE, &Saved_);
+        }
+        if (Lowest_ >= 0) {
+            ::close(Lowest_);
+        }
+    }
+    NoFreeDescriptors(const NoFreeDescriptors&) = delete;
+    NoFreeDescriptors& operator=(const NoFreeDescriptors&) = delete;
+
+    // True when an open() now fails for want of a descriptor.
+    bool Holds() const {
+        if (!Lowered_) {
+            return false;
+        }
+        const int Probe = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (Probe >= 0) {
+            ::close(Probe);
+            return false;
+        }
+        return errno == EMFILE;
+    }
+
+  private:
+    rlimit Saved_{};
+    int Lowest_ = -1;
+    bool Lowered_ = false;
+};
 
 class ConfigurationTest : public FrameFixture {
   protected:
@@ -104,12 +158,21 @@ TEST_F(ConfigurationTest, Kv20OptionsFillTheArrayButNeverReachTheBlock) {
               Block({{0, 2}, {1, 6}, {6, 176}, {7, 176}, {9, 128}, {10, 129}, {31, 255}}));
 }
 
-TEST_F(ConfigurationTest, Kv20Pin5HighSetsBit7OfPortCAndPin12Bit0) {
-    Save(PrfImageBuilder().AllPins(kvInputTristate).Pin(5, kvOutputHigh).Pin(12, kvOutputHigh));
+// Each pin alone: with both high the byte is 129 whichever end each one maps to.
+TEST_F(ConfigurationTest, Kv20Pin5HighSetsBit7OfPortC) {
+    Save(PrfImageBuilder().AllPins(kvInputTristate).Pin(5, kvOutputHigh));
     ConfigureKV20(Registers);
     const ConfigurationBlock Result = BlockKV20(Registers);
-    EXPECT_EQ(Result[3], 129) << "port C direction";
-    EXPECT_EQ(Result[4], 129) << "port C data";
+    EXPECT_EQ(Result[3], 128) << "port C direction";
+    EXPECT_EQ(Result[4], 128) << "port C data";
+}
+
+TEST_F(ConfigurationTest, Kv20Pin12HighSetsBit0OfPortC) {
+    Save(PrfImageBuilder().AllPins(kvInputTristate).Pin(12, kvOutputHigh));
+    ConfigureKV20(Registers);
+    const ConfigurationBlock Result = BlockKV20(Registers);
+    EXPECT_EQ(Result[3], 1) << "port C direction";
+    EXPECT_EQ(Result[4], 1) << "port C data";
 }
 
 TEST_F(ConfigurationTest, Kv20Pin25LowLightsTheRedLed) {
@@ -320,14 +383,37 @@ TEST_F(ConfigurationTest, MissingFileIsReportedByName) {
     EXPECT_EQ(Registers, RegisterArray{});
 }
 
-TEST_F(ConfigurationTest, FileThatCannotBeOpenedIsAMissingPreferenceFile) {
-    // A name whose last three characters are not "kvp" still finds "prf".
+TEST_F(ConfigurationTest, DirectoryInThePreferenceFilesPlaceIsReportedNotFound) {
     GlobalData::ProjectFilename = TempPath() + QStringLiteral("/dir.kvp");
     QDir().mkpath(TempPath() + QStringLiteral("/dir.prf/x"));
-    // A directory is no file: reported as not found.
     ConfigureKV10(Registers);
     ASSERT_EQ(Boxes->Boxes.size(), 1);
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("PRF File Not Found"));
+}
+
+TEST_F(ConfigurationTest, FileThatCannotBeOpenedIsAMissingPreferenceFile) {
+    Save(PrfImageBuilder().AllPins(kvOutputHigh).DefaultValues(1));
+    ASSERT_TRUE(QFileInfo(TempPath() + QStringLiteral("/blink.prf")).isFile());
+    {
+        // The tests run as root, whom no permission bits keep from reading:
+        // the file exists, but the process has no descriptor left to open it.
+        NoFreeDescriptors Exhausted;
+        ASSERT_TRUE(Exhausted.Holds());
+        ConfigureKV10(Registers);
+    }
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Missing preference file"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Missing PRF File"));
+    EXPECT_EQ(Registers, RegisterArray{}) << "nothing was read";
+    Boxes->Boxes.clear();
+    {
+        NoFreeDescriptors Exhausted;
+        ASSERT_TRUE(Exhausted.Holds());
+        ConfigureKV20(Registers);
+    }
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Missing PRF file"));
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Missing PRF File"));
 }
 
 TEST_F(ConfigurationTest, NodeAddressAbove65535LosesItsUpperBits) {

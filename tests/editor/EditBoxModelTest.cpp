@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "editor/EditBoxModel.h"
 #include "editor/SourceEditorHost.h"
 #include "platform/ClipboardService.h"
@@ -234,16 +236,24 @@ TEST_F(EditBoxTest, WindowSmallerThanFiveKeepsTheControlsSize) {
 }
 
 TEST_F(EditBoxTest, PasteWithAnEmptyClipboardRecoloursTheSpan) {
-    Open(QStringLiteral("ab\r\ncd"));
+    Open(QStringLiteral("x \"s\"b\r\ncd"));
     ClipboardService::Instance().Clear();
-    Box.SetSelStart(1);
+    Box.SetSelStart(5);
     Box.SetSelLength(1);
-    Box.HideCount = 0;
+    Box.ColorWrites.clear();
     Model->EditPaste();
-    EXPECT_EQ(Box.Text(), QStringLiteral("a\r\ncd"));
-    EXPECT_GE(Box.HideCount, 1);
-    EXPECT_EQ(Model->ModFirst(), 1);
-    EXPECT_EQ(Model->ModLast(), 1);
+    EXPECT_EQ(Box.Text(), QStringLiteral("x \"s\"\r\ncd"));
+    EXPECT_EQ(Model->ModFirst(), 5);
+    EXPECT_EQ(Model->ModLast(), 5);
+    // The caret's line ends neutral, which paints its string in the code
+    // colour; only the span's recolouring paints it in the string colour.
+    const auto& Writes = Box.ColorWrites;
+    const auto Recoloured = std::find_if(Writes.begin(), Writes.end(), [](const auto& Write) {
+        return Write.Start == 2 && Write.Length == 3 && Write.Color == String;
+    });
+    EXPECT_TRUE(Recoloured != Writes.end()) << "the span's line was coloured by its syntax";
+    EXPECT_EQ(Box.ColorAt(2), Code) << "and then left neutral for the caret";
+    EXPECT_EQ(Model->SyntaxHighlighter()->NeutralLine(), 1);
 }
 
 TEST_F(EditBoxTest, PasteColoursTheInsertedLinesAndLeavesTheCaretLineNeutral) {

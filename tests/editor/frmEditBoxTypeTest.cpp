@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QTest>
@@ -17,6 +18,18 @@ namespace {
 constexpr uint32_t Code = 0x000080;
 constexpr uint32_t String = 0x808080;
 constexpr uint32_t Comment = 0x008000;
+
+// Records the keys that reach the widget it watches.
+class KeySpy : public QObject {
+  public:
+    bool eventFilter(QObject* Watched, QEvent* Event) override {
+        if (Event->type() == QEvent::KeyPress) {
+            Pressed << static_cast<QKeyEvent*>(Event)->key();
+        }
+        return QObject::eventFilter(Watched, Event);
+    }
+    QList<int> Pressed;
+};
 
 class EditBoxWindowTest : public FrameFixture {
   protected:
@@ -243,6 +256,85 @@ TEST_F(EditBoxWindowTest, WindowSmallerThanFiveKeepsTheControlsLastSize) {
     Box->resize(3, 3);
     Settle();
     EXPECT_EQ(Box->rtfEditBox->size(), Before);
+}
+
+TEST_F(EditBoxWindowTest, PunctuationAndDigitsAreTypedInInsertMode) {
+    frmEditBoxType* Box = Open(QStringLiteral("main"), 1, QStringLiteral("rest"));
+    const QString Line = QStringLiteral("x = a - b.c ' (1+2) \"s\" 0123456789");
+    Type(Box, Line);
+    EXPECT_EQ(Box->Text(), Line + QStringLiteral("rest")) << "nothing overwritten";
+    EXPECT_TRUE(Box->InsertMode());
+    EXPECT_FALSE(Box->rtfEditBox->overwriteMode());
+    EXPECT_EQ(Host->Mode->text(), QStringLiteral("INS"));
+}
+
+TEST_F(EditBoxWindowTest, EveryPrintableCharacterIsTypedAsItIs) {
+    frmEditBoxType* Box = Open(QStringLiteral("main"), 1, QString());
+    QString Printable;
+    for (char16_t Character = 32; Character < 127; ++Character) {
+        Printable += QChar(Character);
+    }
+    ClipboardService::Instance().SetText(QStringLiteral("Z"));
+    Type(Box, Printable);
+    EXPECT_EQ(Box->Text(), Printable);
+    EXPECT_TRUE(Box->InsertMode());
+    EXPECT_EQ(ClipboardService::Instance().GetText(), QStringLiteral("Z"));
+}
+
+TEST_F(EditBoxWindowTest, EscapeIsLeftToTheWindowsAroundTheControl) {
+    frmEditBoxType* Box = Open(QStringLiteral("main"), 1, QStringLiteral("abc"));
+    KeySpy Spy;
+    Box->installEventFilter(&Spy);
+    Key(Box, Qt::Key_Escape);
+    Box->removeEventFilter(&Spy);
+    EXPECT_EQ(Spy.Pressed, QList<int>{Qt::Key_Escape}) << "the control did not take it";
+    EXPECT_EQ(Box->Text(), QStringLiteral("abc"));
+    EXPECT_FALSE(Box->HasChanged());
+}
+
+TEST_F(EditBoxWindowTest, PointTypedWithShiftIsAPointAndNoCut) {
+    // Layouts that put "." or "-" on a shifted key send them with Shift.
+    frmEditBoxType* Box = Open(QStringLiteral("main"), 1, QStringLiteral("abc"));
+    ClipboardService::Instance().SetText(QStringLiteral("Z"));
+    Box->RichText().SetSelStart(1);
+    Box->RichText().SetSelLength(1);
+    Key(Box, Qt::Key_Period, Qt::ShiftModifier);
+    EXPECT_EQ(Box->Text(), QStringLiteral("a.c"));
+    EXPECT_EQ(ClipboardService::Instance().GetText(), QStringLiteral("Z"));
+    Key(Box, Qt::Key_Minus, Qt::ShiftModifier);
+    EXPECT_EQ(Box->Text(), QStringLiteral("a.-c")) << "no paste";
+    EXPECT_TRUE(Box->InsertMode());
+}
+
+TEST_F(EditBoxWindowTest, KeypadMinusAndPointAreTypedAndKeypadInsertSwitchesMode) {
+    frmEditBoxType* Box = Open(QStringLiteral("main"), 1, QStringLiteral("ab"));
+    CaretTo(Box, 1);
+    Key(Box, Qt::Key_Minus, Qt::KeypadModifier);
+    Key(Box, Qt::Key_Period, Qt::KeypadModifier);
+    Key(Box, Qt::Key_5, Qt::KeypadModifier);
+    EXPECT_EQ(Box->Text(), QStringLiteral("a-.5b"));
+    EXPECT_TRUE(Box->InsertMode());
+    Key(Box, Qt::Key_Insert, Qt::KeypadModifier);
+    EXPECT_FALSE(Box->InsertMode());
+    EXPECT_TRUE(Box->rtfEditBox->overwriteMode());
+}
+
+TEST_F(EditBoxWindowTest, ShiftDeleteCutsAndControlVPastes) {
+    frmEditBoxType* Box = Open(QStringLiteral("main"), 1, QStringLiteral("abcd"));
+    Box->RichText().SetSelStart(1);
+    Box->RichText().SetSelLength(2);
+    Key(Box, Qt::Key_Delete, Qt::ShiftModifier);
+    EXPECT_EQ(Box->Text(), QStringLiteral("ad"));
+    EXPECT_EQ(ClipboardService::Instance().GetText(), QStringLiteral("bc"));
+    CaretTo(Box, 2);
+    Key(Box, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Box->Text(), QStringLiteral("adbc"));
+    Key(Box, Qt::Key_Delete);
+    EXPECT_EQ(Box->Text(), QStringLiteral("adbc")) << "Delete at the end removes nothing";
+    CaretTo(Box, 0);
+    Key(Box, Qt::Key_Delete);
+    EXPECT_EQ(Box->Text(), QStringLiteral("dbc")) << "Delete alone is the control's";
+    EXPECT_EQ(ClipboardService::Instance().GetText(), QStringLiteral("bc"));
 }
 
 TEST_F(EditBoxWindowTest, TabIsKeptAsATabCharacter) {

@@ -185,9 +185,15 @@ TEST_F(SourceEditorTest, CompileAndRunWithAClosedPortAndNoCompilesNothing) {
 }
 
 TEST_F(SourceEditorTest, ToolBarStaysAtLeast4410TwipsWide) {
-    Editor->resize(100, 300);
+    const int Least = TwipsConversion::TwipsToPixelsX(4410);
+    Editor->resize(Least + 200, 300);
     Settle();
-    EXPECT_GE(Editor->barEditorToolbar->minimumWidth(), TwipsConversion::TwipsToPixelsX(4410));
+    ASSERT_EQ(Editor->barEditorToolbar->width(), Editor->width()) << "the bar spans the window";
+    // Without the bar's minimum, the window's other parts would let it go narrower than the bar.
+    Editor->resize(Least / 3, 300);
+    Settle();
+    EXPECT_GE(Editor->barEditorToolbar->width(), Least);
+    EXPECT_GE(Editor->width(), Least);
 }
 
 TEST_F(SourceEditorTest, CloseProjectAsksForChangedModulesAndCancelKeepsItOpen) {
@@ -295,17 +301,90 @@ TEST_F(SourceEditorTest, GeometryComesFromTheEditorsOwnKeys) {
     EXPECT_EQ(Geometry.Height, 7000);
 }
 
-TEST_F(SourceEditorTest, WindowMenuArrangesTheModuleWindows) {
-    OpenBlink();
+// The module windows' frames in creation order, in the area's coordinates.
+class TileTest : public SourceEditorTest {
+  protected:
+    void SetUp() override {
+        SourceEditorTest::SetUp();
+        WriteFile(QStringLiteral("three.kvp"), "main.bas\r\nled.bas\r\nkey.bas\r\n");
+        WriteFile(QStringLiteral("three.prf"), QByteArray(8610, '\0'));
+        WriteFile(QStringLiteral("key.bas"), "k = 1");
+        Editor->resize(900, 700);
+        Dialogs->Answers.push_back(File(QStringLiteral("three.kvp")));
+        Editor->mnuOpenProject->trigger();
+        Settle();
+        ASSERT_EQ(Editor->mdiArea->subWindowList().size(), 3);
+    }
+    QList<QRect> Frames() const {
+        QList<QRect> Result;
+        for (QMdiSubWindow* Sub : Editor->mdiArea->subWindowList(QMdiArea::CreationOrder)) {
+            Result << Sub->geometry();
+        }
+        return Result;
+    }
+    QRect Area() const { return Editor->mdiArea->viewport()->rect(); }
+};
+
+TEST_F(TileTest, TileHorizontalStacksTheWindowsTopToBottomEachTheFullWidth) {
+    Editor->mnuWindowTileHorizontal->trigger();
+    Settle();
+    const QRect Whole = Area();
+    const QList<QRect> Tiles = Frames();
+    ASSERT_EQ(Tiles.size(), 3);
+    int Top = Whole.top();
+    for (const QRect& Tile : Tiles) {
+        EXPECT_EQ(Tile.left(), Whole.left());
+        EXPECT_EQ(Tile.width(), Whole.width());
+        EXPECT_EQ(Tile.top(), Top) << "each below the one before, no gap";
+        EXPECT_NEAR(Tile.height(), Whole.height() / 3, 1);
+        Top = Tile.bottom() + 1;
+    }
+    EXPECT_EQ(Tiles.back().bottom(), Whole.bottom()) << "the last reaches the area's foot";
+}
+
+TEST_F(TileTest, TileVerticalSetsTheWindowsSideBySideEachTheFullHeight) {
     Editor->mnuWindowTileVertical->trigger();
     Settle();
-    const QList<QMdiSubWindow*> Windows = Editor->mdiArea->subWindowList();
-    ASSERT_EQ(Windows.size(), 2);
-    EXPECT_FALSE(Windows[0]->geometry().intersects(Windows[1]->geometry()));
+    const QRect Whole = Area();
+    const QList<QRect> Tiles = Frames();
+    ASSERT_EQ(Tiles.size(), 3);
+    int Left = Whole.left();
+    for (const QRect& Tile : Tiles) {
+        EXPECT_EQ(Tile.top(), Whole.top());
+        EXPECT_EQ(Tile.height(), Whole.height());
+        EXPECT_EQ(Tile.left(), Left) << "each right of the one before, no gap";
+        EXPECT_NEAR(Tile.width(), Whole.width() / 3, 1);
+        Left = Tile.right() + 1;
+    }
+    EXPECT_EQ(Tiles.back().right(), Whole.right()) << "the last reaches the area's right edge";
+}
+
+TEST_F(TileTest, TilingBringsAMaximizedWindowBackAndLeavesAMinimizedOneAlone) {
+    QList<QMdiSubWindow*> Windows = Editor->mdiArea->subWindowList(QMdiArea::CreationOrder);
+    Windows[2]->showMinimized();
+    Windows[0]->showMaximized();
+    Settle();
+    Editor->mnuWindowTileHorizontal->trigger();
+    Settle();
+    const QRect Whole = Area();
+    EXPECT_FALSE(Windows[0]->isMaximized());
+    EXPECT_TRUE(Windows[2]->isMinimized());
+    EXPECT_EQ(Windows[0]->geometry(), QRect(Whole.left(), Whole.top(), Whole.width(),
+                                            Windows[1]->geometry().top() - Whole.top()));
+    EXPECT_EQ(Windows[1]->geometry().bottom(), Whole.bottom());
+    EXPECT_NEAR(Windows[0]->height(), Whole.height() / 2, 1);
+}
+
+TEST_F(TileTest, CascadeOverlapsTheWindowsEachOffsetFromTheLast) {
+    Editor->mnuWindowTileVertical->trigger();
+    Settle();
     Editor->mnuWindowCascade->trigger();
     Settle();
-    EXPECT_NE(Windows[0]->pos(), Windows[1]->pos());
-    EXPECT_TRUE(Windows[0]->geometry().intersects(Windows[1]->geometry()));
+    const QList<QRect> Tiles = Frames();
+    ASSERT_EQ(Tiles.size(), 3);
+    EXPECT_NE(Tiles[0].topLeft(), Tiles[1].topLeft());
+    EXPECT_TRUE(Tiles[0].intersects(Tiles[1]));
+    EXPECT_TRUE(Tiles[1].intersects(Tiles[2]));
 }
 
 TEST_F(SourceEditorTest, OpeningAProjectTellsTheImageNameToTheDownloader) {

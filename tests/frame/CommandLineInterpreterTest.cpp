@@ -436,8 +436,15 @@ TEST_F(CommandLineInterpreterTest, ElevenWordsAreTooManyCommands) {
 }
 
 TEST_F(CommandLineInterpreterTest, RefusedBatchWritesNoDone) {
+    // Every file is there: a batch that went on would compile, download and end with Done.
+    WriteProject(true, true, true);
     RunWith(QStringLiteral("name /c /d /c"));
-    EXPECT_FALSE(ReadLogLines().contains(QStringLiteral("Done.")));
+    ASSERT_TRUE(LogFileExists()) << "the refusal is logged";
+    EXPECT_EQ(ReadLogLines(),
+              (QStringList{QStringLiteral("Command line:  name /c /d /c"), QString(),
+                           QStringLiteral("Error -- too many commands")}));
+    EXPECT_EQ(Host.Calls, QStringList{QStringLiteral("UnloadDownloader")});
+    ExpectBatchEnded();
 }
 
 // -- Batch: a good run
