@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <cstdlib>
 #include <memory>
@@ -10,8 +9,8 @@
 
 // A benchmark never writes the user's settings. Made first thing in main(),
 // before the application object and before anything reads a setting: the
-// program's settings store is in memory, and whatever still reaches QSettings
-// or $XDG_CONFIG_HOME lands in a folder of this run, removed when it ends.
+// program's settings store is in memory, and whatever still reaches
+// $XDG_CONFIG_HOME lands in a folder of this run, removed when it ends.
 class BenchSettings {
   public:
     BenchSettings() {
@@ -19,8 +18,6 @@ class BenchSettings {
             std::abort();
         }
         qputenv("XDG_CONFIG_HOME", Folder_.path().toUtf8());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Folder_.path());
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, Folder_.path());
         SettingsStore::Install(std::make_unique<MemorySettingsStore>());
     }
     BenchSettings(const BenchSettings&) = delete;
