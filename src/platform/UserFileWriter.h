@@ -46,7 +46,7 @@ class SaveFileDevice {
 // old file's place. On any failure the old file stays byte for byte and
 // Failure() tells the real cause. (QSaveFile::commit alone is not enough: in
 // Qt 6.4 it renames a short file over the original after a buffered write
-// failed on a full disk.)
+// failed on a full disk; hence the writer's own checked flush() and sync.)
 class UserFileWriter {
   public:
     // The name as the local file system takes it.
