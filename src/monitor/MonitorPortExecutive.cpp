@@ -25,6 +25,8 @@ void CloseMonitorPort() {
     MonitorPortIsOpen = false;
 }
 
+void UpdateMonitorPort() { ApplyMonitorPort(); }
+
 bool GetMonitorPortIsOpen() { return MonitorPortIsOpen; }
 
 const MonitorPortInfoType& GetMonitorPortInfo() { return MonitorPortInfo; }

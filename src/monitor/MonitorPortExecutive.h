@@ -9,6 +9,8 @@ namespace MonitorPortExecutive {
 void InitializeMonitorPort();
 // Closes the port if it is open; the flag goes False.
 void CloseMonitorPort();
+// Opens the port if its settings say it is meant to be open, else closes it.
+void UpdateMonitorPort();
 bool GetMonitorPortIsOpen();
 const MonitorPortInfoType& GetMonitorPortInfo();
 
