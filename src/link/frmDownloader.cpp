@@ -22,6 +22,7 @@
 #include "frame/frmSplash.h"
 #include "frame/frmWorkPathDefinition.h"
 #include "link/DownloadPortExecutive.h"
+#include "link/KavlinControlSerialLink.h"
 #include "link/ParallelDownloader.h"
 #include "monitor/MonitorCapture.h"
 #include "monitor/MonitorPortExecutive.h"
@@ -60,6 +61,7 @@ frmDownloader::frmDownloader() {
     KavlinControl1->setObjectName(QStringLiteral("KavlinControl1"));
     KavlinControl1->SetDebugWindow(
         [this](const QString& Text) { txtDebugWindow->setPlainText(Text); });
+    KavlinControlSerialLink::Install(*KavlinControl1);
     auto* Central = new QWidget(this);
     auto* Layout = new QVBoxLayout(Central);
     Layout->setContentsMargins(0, 0, 0, 0);
