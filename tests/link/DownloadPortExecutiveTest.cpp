@@ -1,3 +1,8 @@
+#include <pty.h>
+#include <unistd.h>
+
+#include <QSerialPort>
+
 #include "link/DownloadPortExecutive.h"
 #include "link/DownloadPortFixture.h"
 #include "link/ParallelDownloader.h"
@@ -203,6 +208,39 @@ TEST_F(DownloadPortExecutiveTest, SimulatedChipHeldByAnotherPortIsNotOpenAndSays
     EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
               QStringLiteral("The simulated chip's line is in use"));
     EXPECT_TRUE(Holder.PortOpen()) << "the other port keeps its line";
+}
+
+// A pseudo-terminal named in KAVLIN_SERIAL_PORTS stands for the device; a
+// serial port object of Qt's holds it as another program would.
+TEST_F(DownloadPortExecutiveTest, SerialDeviceHeldByAnotherProgramIsNotOpenAndSaysSo) {
+    int Master = -1;
+    int Slave = -1;
+    char Name[256] = {};
+    if (::openpty(&Master, &Slave, Name, nullptr, nullptr) != 0) {
+        GTEST_SKIP() << "no pseudo-terminals on this machine (openpty failed)";
+    }
+    const QByteArray Saved = qgetenv("KAVLIN_SERIAL_PORTS");
+    const bool HadSaved = qEnvironmentVariableIsSet("KAVLIN_SERIAL_PORTS");
+    qputenv("KAVLIN_SERIAL_PORTS", Name);
+    StoreSerialPort(1);
+    DownloadPortExecutive::Initialize();
+    EXPECT_TRUE(DownloadPortExecutive::DownloadPortIsOpen()) << "a free device is usable";
+    {
+        QSerialPort Holder(QString::fromLocal8Bit(Name));
+        ASSERT_TRUE(Holder.open(QIODevice::ReadWrite));
+        DownloadPortExecutive::Initialize();
+        EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
+        EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
+                  QStringLiteral("In use by another program"));
+    }
+    DownloadPortExecutive::ClosePorts();
+    if (HadSaved) {
+        qputenv("KAVLIN_SERIAL_PORTS", Saved);
+    } else {
+        qunsetenv("KAVLIN_SERIAL_PORTS");
+    }
+    ::close(Master);
+    ::close(Slave);
 }
 
 }  // namespace
