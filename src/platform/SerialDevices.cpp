@@ -150,7 +150,8 @@ QString EntryText(int16_t Number, const DeviceInfo& Info) {
 
 QList<PortEntry> PortList(int16_t Count) {
     const QStringList Devices = DeviceNames();
-    const QList<DeviceInfo> Known = MachineInfo();
+    // Without devices there is nothing to describe, and no scan is made.
+    const QList<DeviceInfo> Known = Devices.isEmpty() ? QList<DeviceInfo>() : MachineInfo();
     QList<PortEntry> Entries;
     const int Last = std::max<int>(Count, static_cast<int>(Devices.size()));
     for (int Number = 1; Number <= Last; ++Number) {

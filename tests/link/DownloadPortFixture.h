@@ -41,6 +41,7 @@ class DownloadPortFixture : public FrameFixture {
     void SetUp() override {
         FrameFixture::SetUp();
         SerialDevices::SetDeviceLister([] { return QStringList(); });
+        SerialDevices::SetDeviceInfoSource([] { return QList<SerialDevices::DeviceInfo>(); });
         Line = std::make_shared<SimulatedSerialLine>();
         SimulatedSerialLine::InstallAsSimulatedChip(Line);
         DownloadPortExecutive::SetLptReservation(&Reservation);
@@ -54,6 +55,7 @@ class DownloadPortFixture : public FrameFixture {
         DownloadPortExecutive::SetLptReservation(nullptr);
         SimulatedSerialLine::UninstallSimulatedChip();
         SerialDevices::SetDeviceLister(nullptr);
+        SerialDevices::SetDeviceInfoSource(nullptr);
         Line.reset();
         FrameFixture::TearDown();
     }
