@@ -1,6 +1,18 @@
 #include "link/DownloadPortExecutive.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "frame/GlobalData.h"
 #include "frame/RegistryCentral.h"
+#include "link/ParallelDownloader.h"
+#include "monitor/MonitorPortExecutive.h"
+#include "platform/ErrObject.h"
+#include "platform/SerialDevices.h"
+#include "platform/SerialPortObject.h"
 
 namespace DownloadPortExecutive {
 
@@ -10,22 +22,164 @@ bool PortIsOpen = false;
 bool PortIsParallel = false;
 bool ReserveFileIsOpen = false;
 int ReserveFileNumber = 0;
+QString FailureCause;
 
-void ApplyDownloadPort() {
-    // Not yet: no port opens before the serial chip link and the parallel programmer are built.
+// A process without the downloader window (a test, a tool) tries the port
+// on a port object of its own, set up as the chip link sets up its own.
+class OwnSerialLink : public SerialLink {
+  public:
+    OwnSerialLink() {
+        Port.SetSettings(QStringLiteral("115200,N,8,1"));
+        Port.SetInBufferSize(4096);
+        Port.SetOutBufferSize(4096);
+        Port.SetDTREnable(false);
+    }
+    void SetCommPort(int16_t PortNumber) override { Port.SetCommPort(PortNumber); }
+    void OpenPort(bool OpenThePort, DownloaderStatusTypes& Status) override {
+        try {
+            Port.SetPortOpen(OpenThePort);
+            Status = dlOK;
+        } catch (...) {
+            TakeCurrentException();
+            Status = OpenThePort ? dlCannotOpenPort : dlCannotClosePort;
+        }
+    }
+
+  private:
+    SerialPortObject Port;
+};
+
+// ppdev lets the device be opened by anyone allowed to; holding it open is
+// what keeps a second program of ours, and a careful other one, off the port.
+class SystemLptReservation : public LptReservation {
+  public:
+    int Open(const QString& Device) override {
+        const int File =
+            ::open(Device.toLocal8Bit().constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+        if (File < 0) {
+            const int Cause = errno;
+            switch (Cause) {
+                case EACCES:
+                case EPERM:
+                    RaiseError(70,
+                               QStringLiteral("Permission denied: add the user to the lp group"));
+                case ENOENT:
+                case ENODEV:
+                case ENXIO:
+                    RaiseError(68, QStringLiteral("No such device: ") + Device);
+                case EBUSY:
+                    RaiseError(70, QStringLiteral("In use by another program"));
+                default:
+                    RaiseError(68, QString::fromLocal8Bit(std::strerror(Cause)));
+            }
+        }
+        return File;
+    }
+    void Close(int FileNumber) override { ::close(FileNumber); }
+};
+
+SerialLink* InstalledSerialLink = nullptr;
+LptReservation* InstalledReservation = nullptr;
+
+SerialLink& Link() {
+    if (InstalledSerialLink != nullptr) {
+        return *InstalledSerialLink;
+    }
+    static OwnSerialLink Own;
+    return Own;
+}
+
+LptReservation& Reservation() {
+    if (InstalledReservation != nullptr) {
+        return *InstalledReservation;
+    }
+    static SystemLptReservation System;
+    return System;
 }
 
 void CloseSerialPort() {
-    // Not yet: no serial port is opened before the serial chip link is built; only the flag drops.
+    DownloaderStatusTypes Status = dlOK;
+    Link().OpenPort(false, Status);
     PortIsOpen = false;
 }
 
 void CloseParallelPort() {
-    // Not yet: no parallel port or LPT device is held before the programmer is built.
-    ReserveFileIsOpen = false;
-    PortIsOpen = false;
+    try {
+        if (ReserveFileIsOpen) {
+            Reservation().Close(ReserveFileNumber);
+        }
+        ReserveFileIsOpen = false;
+        PortIsOpen = false;
+    } catch (...) {
+        TakeCurrentException();
+        ReserveFileIsOpen = false;
+        PortIsOpen = false;
+    }
+}
+
+// The serial port is only tried here: each transfer opens it for real.
+void OpenSerialPort() {
+    // The monitor shares the chip's one line; it takes its own state back below.
+    MonitorPortExecutive::CloseMonitorPort();
+    try {
+        ClosePorts();
+        Link().SetCommPort(DownloadPort.PortNumber());
+        DownloaderStatusTypes Status = dlOK;
+        Link().OpenPort(true, Status);
+        if (Status == dlOK) {
+            PortIsOpen = true;
+            PortIsParallel = false;
+        } else {
+            FailureCause = SerialDevices::OpenFailureCause(DownloadPort.PortNumber(), Err().Number);
+        }
+        Link().OpenPort(false, Status);
+    } catch (...) {
+        TakeCurrentException();
+        PortIsOpen = false;
+        FailureCause = Err().Description;
+        return;
+    }
+    MonitorPortExecutive::UpdateMonitorPort();
+}
+
+void OpenParallelPort() {
+    try {
+        ClosePorts();
+        ParallelDownloader::SetPortBase(DownloadPort.Address());
+        if (DownloadPort.Reserve()) {
+            ReserveFileNumber = Reservation().Open(LptDevice(DownloadPort.PortNumber()));
+            ReserveFileIsOpen = true;
+        }
+        PortIsOpen = true;
+        PortIsParallel = true;
+    } catch (...) {
+        TakeCurrentException();
+        PortIsOpen = false;
+        FailureCause = Err().Description;
+    }
+}
+
+void ApplyDownloadPort() {
+    FailureCause.clear();
+    if (!DownloadPort.IsDefined()) {
+        ClosePorts();
+    } else if (DownloadPort.IsParallel()) {
+        OpenParallelPort();
+    } else {
+        OpenSerialPort();
+    }
 }
 }  // namespace
+
+void SetSerialLink(SerialLink* NewLink) { InstalledSerialLink = NewLink; }
+
+SerialLink* GetSerialLink() { return InstalledSerialLink; }
+
+void SetLptReservation(LptReservation* NewReservation) { InstalledReservation = NewReservation; }
+
+QString LptDevice(int16_t PortNumber) {
+    return QStringLiteral("/dev/parport") + QString::number(PortNumber - 1);
+}
 
 void Initialize() {
     PortIsOpen = false;
@@ -41,11 +195,26 @@ bool DownloadPortIsOpen() { return PortIsOpen; }
 
 bool DownloadPortIsParallel() { return PortIsParallel; }
 
+void CheckPortMatchesChip() {
+    const bool WantsParallel = GlobalData::ChipType == 1;
+    if (WantsParallel != PortIsParallel) {
+        ClosePorts();
+    }
+}
+
 void GetDownloadPortInfo(DownloadPortInfoType& Info) { Info.Copy(DownloadPort); }
+
+void SetDownloadPortInfo(const DownloadPortInfoType& Info) {
+    DownloadPort.Copy(Info);
+    RegistryCentral::RegistrySaveDownloadPort(DownloadPort);
+    ApplyDownloadPort();
+}
 
 void ClosePorts() {
     CloseSerialPort();
     CloseParallelPort();
 }
+
+QString LastFailureCause() { return FailureCause; }
 
 }  // namespace DownloadPortExecutive

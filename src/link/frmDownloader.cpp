@@ -22,7 +22,10 @@
 #include "frame/frmSplash.h"
 #include "frame/frmWorkPathDefinition.h"
 #include "link/DownloadPortExecutive.h"
+#include "link/KavlinControlSerialLink.h"
 #include "link/ParallelDownloader.h"
+#include "link/frmDownloadPortParallel.h"
+#include "link/frmDownloadPortSerial.h"
 #include "monitor/MonitorCapture.h"
 #include "monitor/MonitorPortExecutive.h"
 #include "platform/ClockService.h"
@@ -60,6 +63,7 @@ frmDownloader::frmDownloader() {
     KavlinControl1->setObjectName(QStringLiteral("KavlinControl1"));
     KavlinControl1->SetDebugWindow(
         [this](const QString& Text) { txtDebugWindow->setPlainText(Text); });
+    KavlinControlSerialLink::Install(*KavlinControl1);
     auto* Central = new QWidget(this);
     auto* Layout = new QVBoxLayout(Central);
     Layout->setContentsMargins(0, 0, 0, 0);
@@ -382,7 +386,14 @@ void frmDownloader::mnuProcessorOptions_Click() {
 }
 
 void frmDownloader::mnuDownloadPortSetup_Click() {
-    // Not yet: the download port dialogs come with the port executive.
+    // The chip model alone decides which port it is.
+    if (GlobalData::ChipType == 1) {
+        Global<frmDownloadPortParallel>::Get().exec();
+        Global<frmDownloadPortParallel>::Unload();
+    } else {
+        Global<frmDownloadPortSerial>::Get().exec();
+        Global<frmDownloadPortSerial>::Unload();
+    }
 }
 
 void frmDownloader::mnuMonitorPortSetup_Click() {

@@ -11,6 +11,7 @@
 #include "frame/TwipsConversion.h"
 #include "frame/frmSplash.h"
 #include "link/DownloadPortExecutive.h"
+#include "link/DownloadPortFixture.h"
 #include "link/ParallelDownloader.h"
 #include "link/frmDownloader.h"
 #include "monitor/MonitorPortExecutive.h"
@@ -207,6 +208,8 @@ TEST_F(DownloaderTest, TopOneTwipBeyondTheScreenLimitComesBackToZero) {
 }
 
 TEST_F(DownloaderTest, StartUpSetsTheParallelRegistersAndReadsBothPortSetUps) {
+    FakeLptReservation Reservation;
+    DownloadPortExecutive::SetLptReservation(&Reservation);
     ParallelDownloader::SetPortBase(0x278);
     SetSetting(QStringLiteral("Port_Number"), QStringLiteral("2"));
     SetSetting(QStringLiteral("Port_Mode"), QStringLiteral("Parallel"));
@@ -214,9 +217,10 @@ TEST_F(DownloaderTest, StartUpSetsTheParallelRegistersAndReadsBothPortSetUps) {
     SetSetting(QStringLiteral("Port_Reserve"), QStringLiteral("True"));
     SetSetting(QStringLiteral("KV20port_Number"), QStringLiteral("  3,  57600,E,7,20"));
     Load();
-    EXPECT_EQ(ParallelDownloader::GetDataPort(), 888);
-    EXPECT_EQ(ParallelDownloader::GetStatusPort(), 889);
-    EXPECT_EQ(ParallelDownloader::GetControlPort(), 890);
+    // The stored parallel port is opened at its own address.
+    EXPECT_EQ(ParallelDownloader::GetDataPort(), 956);
+    EXPECT_EQ(ParallelDownloader::GetStatusPort(), 957);
+    EXPECT_EQ(ParallelDownloader::GetControlPort(), 958);
     for (int Bit = 0; Bit < 8; ++Bit) {
         EXPECT_EQ(ParallelDownloader::GetBitMask()[Bit], 1 << Bit);
     }
@@ -227,7 +231,11 @@ TEST_F(DownloaderTest, StartUpSetsTheParallelRegistersAndReadsBothPortSetUps) {
     EXPECT_EQ(Download.PortNumber(), 2);
     EXPECT_EQ(Download.Address(), 0x3BC);
     EXPECT_TRUE(Download.Reserve());
-    EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
+    EXPECT_TRUE(DownloadPortExecutive::DownloadPortIsOpen());
+    EXPECT_TRUE(DownloadPortExecutive::DownloadPortIsParallel());
+    EXPECT_EQ(Reservation.Opened, QStringList({QStringLiteral("/dev/parport1")}));
+    DownloadPortExecutive::ClosePorts();
+    DownloadPortExecutive::SetLptReservation(nullptr);
     const MonitorPortInfoType& Monitor = MonitorPortExecutive::GetMonitorPortInfo();
     EXPECT_TRUE(Monitor.IsDefined);
     EXPECT_EQ(Monitor.PortNumber(), 3);
