@@ -71,6 +71,16 @@ class MonitorWindowTest : public FrameFixture {
     static void Tick(frmDownloader& Window) {
         ASSERT_TRUE(QMetaObject::invokeMethod(Window.tmrSerialInputPoller, "timeout"));
     }
+    // Lets the real timers run until the value is what is expected, 3 s at most.
+    template <class Get>
+    static QString WaitFor(Get Value, const QString& Expected) {
+        QElapsedTimer Timer;
+        Timer.start();
+        while (Value() != Expected && Timer.elapsed() < 3000) {
+            QTest::qWait(10);
+        }
+        return Value();
+    }
     static QString Shown(frmDownloader& Window) { return Window.txtDebugWindow->toPlainText(); }
     static QByteArray Read(const QString& Name) {
         QFile File(Name);
@@ -95,7 +105,8 @@ TEST_F(MonitorWindowTest, StoredOpenPortOpensAtStartAndThePollRunsEvery50Ms) {
 TEST_F(MonitorWindowTest, WhatTheChipPrintsReachesTheWindowThroughTheRunningTimer) {
     frmDownloader& Window = Load();
     ChipPrints("Hello\r\n");
-    QTRY_COMPARE_WITH_TIMEOUT(Shown(Window), QStringLiteral("Hello\n"), 2000);
+    EXPECT_EQ(WaitFor([&] { return Shown(Window); }, QStringLiteral("Hello\n")),
+              QStringLiteral("Hello\n"));
 }
 
 TEST_F(MonitorWindowTest, CrLfFromTheChipIsOneLineBreakAndALoneLfIsNothing) {
@@ -518,8 +529,9 @@ TEST_F(CaptureDialogTest, FileSizeReads1024BytesDuringACaptureAndIsEmptyBeforeAn
     ChipPrints(QByteArray(1024, 'z'));
     Tick(Window);
     // The size monitor's own timer, running in real time.
-    QTRY_COMPARE_WITH_TIMEOUT(D.lblFileSize->text(), QStringLiteral("File Size:  1024 bytes"),
-                              3000);
+    EXPECT_EQ(
+        WaitFor([&] { return D.lblFileSize->text(); }, QStringLiteral("File Size:  1024 bytes")),
+        QStringLiteral("File Size:  1024 bytes"));
     QTest::mouseClick(D.cmdCloseFile, Qt::LeftButton);
     EXPECT_EQ(D.lblFileSize->text(), QStringLiteral("File Size:  "));
     EXPECT_EQ(D.lblStatus->text(), QStringLiteral("Status:  Closed"));
