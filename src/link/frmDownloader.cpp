@@ -60,6 +60,8 @@ frmDownloader::frmDownloader() {
     txtDebugWindow = new QPlainTextEdit(this);
     txtDebugWindow->setObjectName(QStringLiteral("txtDebugWindow"));
     txtDebugWindow->setReadOnly(true);
+    // What the chip prints is never undone: no undo history to grow.
+    txtDebugWindow->setUndoRedoEnabled(false);
     txtDebugWindow->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtDebugWindow->setFont(QFont(QStringLiteral("Courier New")));
     KavlinControl1 = new KavlinControl(this);
@@ -393,8 +395,19 @@ void frmDownloader::SetDebugWindowText(const QString& Text) {
 void frmDownloader::AppendToDebugWindow(const QString& NewText) {
     try {
         if (DebugText.size() > 16000) {
-            // Cut by 4096 at a time, so that the window is rebuilt rarely.
-            SetDebugWindowText(DebugText.mid(4096));
+            // Cut by 4096 at a time, so that the window changes rarely. The
+            // document holds a CR LF as one line break: the cut there is
+            // 4096 less the pairs before it, and a pair cut in two leaves
+            // its LF as a line break.
+            qsizetype DocumentCut = 4096 - DebugText.left(4096).count(QStringLiteral("\r\n"));
+            if (DebugText.at(4095) == QLatin1Char('\r') &&
+                DebugText.at(4096) == QLatin1Char('\n')) {
+                --DocumentCut;
+            }
+            DebugText.remove(0, 4096);
+            QTextCursor Cut(txtDebugWindow->document());
+            Cut.setPosition(static_cast<int>(DocumentCut), QTextCursor::KeepAnchor);
+            Cut.removeSelectedText();
             ClockService::Instance().DoEvents();
         }
         QString Shown = NewText;

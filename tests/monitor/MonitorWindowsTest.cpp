@@ -162,6 +162,35 @@ TEST_F(MonitorWindowTest, With16001CharactersTheNextInputFirstCutsTheWindowTo119
     EXPECT_EQ(Window.txtDebugWindow->textCursor().position(), 11906);
 }
 
+TEST_F(MonitorWindowTest, CutWindowShowsExactlyItsTextWithLineBreaksAnywhere) {
+    frmDownloader& Window = Load();
+    for (int Poll = 0; Poll < 40; ++Poll) {
+        QByteArray Piece;
+        for (int Index = 0; Index < 1500; ++Index) {
+            Piece.append((Index * 7 + Poll) % 13 == 0 ? '\r' : static_cast<char>('a' + Index % 26));
+        }
+        ChipPrints(Piece);
+        Tick(Window);
+        QString Expected = Window.DebugWindowText();
+        Expected.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        ASSERT_EQ(Shown(Window), Expected) << "after poll " << Poll;
+    }
+    // Nothing the chip printed is kept for an undo: the window's memory stays flat.
+    EXPECT_EQ(Window.txtDebugWindow->document()->availableUndoSteps(), 0);
+}
+
+TEST_F(MonitorWindowTest, CutBetweenCrAndLfLeavesTheLfAsALineBreak) {
+    frmDownloader& Window = Load();
+    ChipPrints(QByteArray(4095, 'x') + "\r" + QByteArray(12000, 'y'));
+    Tick(Window);
+    ASSERT_EQ(Window.DebugWindowText().size(), 16097);
+    ChipPrints("z");
+    Tick(Window);
+    EXPECT_EQ(Window.DebugWindowText(),
+              QStringLiteral("\n") + QString(12000, QLatin1Char('y')) + QLatin1Char('z'));
+    EXPECT_EQ(Shown(Window), Window.DebugWindowText());
+}
+
 TEST_F(MonitorWindowTest, With16000CharactersTheNextInputIsAddedUncut) {
     frmDownloader& Window = Load();
     ChipPrints(QByteArray(16000, 'x'));
