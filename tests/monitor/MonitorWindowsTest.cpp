@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QSerialPort>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -759,6 +760,25 @@ TEST_F(MonitorPtyTest, UnpluggedDeviceClosesThePortLatchesTheErrorAndTellsTheUse
     QTest::keyClicks(Window.txtDebugWindow, QStringLiteral("k"));
     ASSERT_EQ(Boxes->Boxes.size(), 2);
     EXPECT_EQ(Boxes->Boxes[1].Text, QStringLiteral("Monitor port must be open"));
+}
+
+TEST_F(MonitorPtyTest, PortHeldByAnotherProgramIsToldWithTheCause) {
+    SetSetting(QStringLiteral("KV20port_Number"), QString());
+    Load();
+    QSerialPort Other(SlaveName);
+    if (!Other.open(QIODevice::ReadWrite)) {
+        GTEST_SKIP() << "the device cannot be held here";
+    }
+    frmMonitorPort& D = Global<frmMonitorPort>::Get();
+    D.show();
+    QTest::mouseClick(D.cmdOpenPort, Qt::LeftButton);
+    EXPECT_FALSE(MonitorPortExecutive::IsMonitorPortOpen());
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Monitor Port Error"));
+    EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("Unable to open Com1\nPort already open or not "
+                                                   "permitted: ") +
+                                        SlaveName);
+    EXPECT_EQ(D.lblStatus->text(), QStringLiteral(" Closed"));
 }
 
 }  // namespace
