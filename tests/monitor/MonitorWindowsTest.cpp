@@ -19,6 +19,7 @@
 #include "platform/SerialDevices.h"
 #include "project/ProjectType.h"
 #include "sim/SimulatedSerialLine.h"
+#include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
 #include "support/ScriptedFileDialogService.h"
 
@@ -617,6 +618,41 @@ TEST_F(CaptureDialogTest, TrimmingTheWindowNeverTouchesTheFile) {
     }
     EXPECT_LT(Window.DebugWindowText().size(), All.size()) << "the window was cut";
     EXPECT_EQ(Read(Name("all.cap")), All);
+}
+
+TEST_F(CaptureDialogTest, FullDiskEndsTheCaptureWithOneMessageWhileTheWindowGoesOn) {
+    const QString Folder = TempPath() + QStringLiteral("/small");
+    SmallTmpfs Disk(Folder, 256 * 1024);
+    if (!Disk.Mounted()) {
+        GTEST_SKIP() << "mounting a small tmpfs is not allowed here";
+    }
+    Disk.FillUpTo(8 * 1024);
+    frmDownloader& Window = Load();
+    frmMonitorCapture& D = OpenDialog(Window);
+    FileDialogs->Answers.push_back(Folder + QStringLiteral("/full.cap"));
+    QTest::mouseClick(D.cmdCreateCaptureFile, Qt::LeftButton);
+    ASSERT_TRUE(MonitorCapture::IsCaptureFileOpen());
+    QByteArray Printed;
+    for (int Round = 0; Round < 10; ++Round) {
+        const QByteArray Piece = QByteArray::number(Round).repeated(3000) + "\r";
+        Printed += Piece;
+        ChipPrints(Piece);
+        Tick(Window);
+    }
+    EXPECT_FALSE(MonitorCapture::IsCaptureFileOpen());
+    ASSERT_EQ(Boxes->Boxes.size(), 1);
+    EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("File Write Error"));
+    EXPECT_TRUE(Boxes->Boxes[0].Text.contains(QStringLiteral("Error 61, Disk full")));
+    const QByteArray Kept = Read(Folder + QStringLiteral("/full.cap"));
+    EXPECT_GT(Kept.size(), 0);
+    EXPECT_LT(Kept.size(), Printed.size());
+    EXPECT_EQ(Kept, Printed.left(Kept.size()));
+    EXPECT_TRUE(Window.DebugWindowText().endsWith(QStringLiteral("9\r\n")))
+        << "the window still shows what comes";
+    // The dialog's size monitor finds the capture ended.
+    EXPECT_EQ(WaitFor([&] { return D.lblStatus->text(); }, QStringLiteral("Status:  Closed")),
+              QStringLiteral("Status:  Closed"));
+    EXPECT_TRUE(D.cmdCreateCaptureFile->isEnabled());
 }
 
 TEST_F(CaptureDialogTest, CreateWhileRecordingSaysFileAlreadyOpen) {
