@@ -43,7 +43,7 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void RestoreGeometry();
     void InitializeChipType();
     void SaveGeometry();
-    void ClearComError();
+    void ClearComError() override;
     // Shows or hides the line error frame, touching it only when that changes.
     void UpdateComErrorIndicator();
     // Adds the text at the end of the monitor window, which is kept within
