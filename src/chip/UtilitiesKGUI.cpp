@@ -57,4 +57,23 @@ void Sleep(uint32_t Milliseconds) { ClockService::Instance().Sleep(Milliseconds)
 
 bool IntegerToBoolean(int16_t Value) { return Value != 0; }
 
+QString SynthesizeMSCommString(const MonitorPortInfoType& Info) {
+    static const char* const ParityLetters[] = {"N", "E", "O", "S", "M"};
+    static const char* const StopTexts[] = {"1", "1.5", "2"};
+    QString Parity = QStringLiteral("N");
+    if (Info.Parity >= 0 && Info.Parity <= 4) {
+        Parity = QLatin1String(ParityLetters[Info.Parity]);
+    } else {
+        ErrorDisplay::ProbeError(QStringLiteral("Error_1 in UtilitiesKGUI.SynthesizeMSCommString"));
+    }
+    QString Stop = QStringLiteral("1");
+    if (Info.StopBits() >= 0 && Info.StopBits() <= 2) {
+        Stop = QLatin1String(StopTexts[Info.StopBits()]);
+    } else {
+        ErrorDisplay::ProbeError(QStringLiteral("Error_2 in UtilitiesKGUI.SynthesizeMSCommString"));
+    }
+    return QString::number(Info.BaudRate) + QLatin1Char(',') + Parity + QLatin1Char(',') +
+           QString::number(Info.DataBits()) + QLatin1Char(',') + Stop;
+}
+
 }  // namespace UtilitiesKGUI

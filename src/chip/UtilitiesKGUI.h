@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "chip/PinStateTypes.h"
+#include "frame/MonitorPortInfoType.h"
 
 // Conversions of the pin state to and from the flag order of the
 // preference file (IN, P, 0, 1).
@@ -18,6 +19,9 @@ QString CStrPinState(int32_t PinState);
 
 // The system's sleep in milliseconds, through the clock-and-pump service.
 void Sleep(uint32_t Milliseconds);
+// The serial port's settings text of a monitor port set-up: "19200,N,8,1".
+// An unknown parity gives "N", an unknown stop code "1", each after a probe.
+QString SynthesizeMSCommString(const MonitorPortInfoType& Info);
 // A 16-bit number as a boolean: anything but 0 is True.
 bool IntegerToBoolean(int16_t Value);
 

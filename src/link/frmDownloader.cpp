@@ -3,9 +3,13 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFont>
+#include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenuBar>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTextCursor>
 #include <QVBoxLayout>
 
 #include "compile/CompilerCentral.h"
@@ -28,6 +32,8 @@
 #include "link/frmDownloadPortSerial.h"
 #include "monitor/MonitorCapture.h"
 #include "monitor/MonitorPortExecutive.h"
+#include "monitor/frmMonitorCapture.h"
+#include "monitor/frmMonitorPort.h"
 #include "platform/ClockService.h"
 #include "platform/Global.h"
 #include "project/ProjectType.h"
@@ -57,17 +63,55 @@ frmDownloader::frmDownloader() {
     txtDebugWindow = new QPlainTextEdit(this);
     txtDebugWindow->setObjectName(QStringLiteral("txtDebugWindow"));
     txtDebugWindow->setReadOnly(true);
+    // What the chip prints is never undone: no undo history to grow.
+    txtDebugWindow->setUndoRedoEnabled(false);
     txtDebugWindow->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtDebugWindow->setFont(QFont(QStringLiteral("Courier New")));
     KavlinControl1 = new KavlinControl(this);
     KavlinControl1->setObjectName(QStringLiteral("KavlinControl1"));
-    KavlinControl1->SetDebugWindow(
-        [this](const QString& Text) { txtDebugWindow->setPlainText(Text); });
+    txtDebugWindow->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    txtDebugWindow->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    txtDebugWindow->installEventFilter(this);
+    KavlinControl1->SetDebugWindow([this](const QString& Text) { SetDebugWindowText(Text); });
     KavlinControlSerialLink::Install(*KavlinControl1);
+
+    comMonitorPort = new SerialPortObject();
+    // Room for more than a second at 115200 baud, so that a busy moment of
+    // the window loses nothing between two polls.
+    comMonitorPort->SetInBufferSize(16384);
+    MonitorPortExecutive::SetPortObject(comMonitorPort);
+    tmrSerialInputPoller = new QTimer(this);
+    tmrSerialInputPoller->setObjectName(QStringLiteral("tmrSerialInputPoller"));
+    tmrSerialInputPoller->setInterval(50);
+    connect(tmrSerialInputPoller, &QTimer::timeout, this,
+            &frmDownloader::tmrSerialInputPoller_Timer);
+    tmrSerialInputPoller->start();
+
+    fraComDataError = new QFrame(this);
+    fraComDataError->setObjectName(QStringLiteral("fraComDataError"));
+    fraComDataError->setFrameStyle(QFrame::Box | QFrame::Plain);
+    auto* ErrorLayout = new QHBoxLayout(fraComDataError);
+    ErrorLayout->setContentsMargins(4, 2, 4, 2);
+    picComErrorIndicator = new QLabel(fraComDataError);
+    picComErrorIndicator->setObjectName(QStringLiteral("picComErrorIndicator"));
+    picComErrorIndicator->setFixedSize(14, 14);
+    picComErrorIndicator->setStyleSheet(QStringLiteral("background-color: #FF0000;"));
+    lblComStatus = new QLabel(QStringLiteral("Serial Data Error "), fraComDataError);
+    lblComStatus->setObjectName(QStringLiteral("lblComStatus"));
+    cmdClearComError = new QPushButton(QStringLiteral("Clear"), fraComDataError);
+    cmdClearComError->setObjectName(QStringLiteral("cmdClearComError"));
+    connect(cmdClearComError, &QPushButton::clicked, this, &frmDownloader::cmdClearComError_Click);
+    ErrorLayout->addWidget(picComErrorIndicator);
+    ErrorLayout->addWidget(lblComStatus);
+    ErrorLayout->addWidget(cmdClearComError);
+    ErrorLayout->addStretch(1);
+    fraComDataError->setVisible(false);
+
     auto* Central = new QWidget(this);
     auto* Layout = new QVBoxLayout(Central);
     Layout->setContentsMargins(0, 0, 0, 0);
     Layout->addWidget(txtDebugWindow, 1);
+    Layout->addWidget(fraComDataError);
     Layout->addWidget(KavlinControl1);
     setCentralWidget(Central);
     BuildMenus();
@@ -81,6 +125,15 @@ frmDownloader::frmDownloader() {
 }
 
 frmDownloader::~frmDownloader() {
+    tmrSerialInputPoller->stop();
+    // The capture dialog is this window's child: it goes first, and with it
+    // its global slot.
+    Global<frmMonitorCapture>::Unload();
+    if (MonitorPortExecutive::PortObject() == comMonitorPort) {
+        MonitorPortExecutive::CloseMonitorPort();
+        MonitorPortExecutive::SetPortObject(nullptr);
+    }
+    delete comMonitorPort;
     GlobalData::SetEditorButtonHandler({});
     if (Global<frmSourceEditor>::IsLoaded()) {
         Global<frmSourceEditor>::Get().DisplayKvbHook = nullptr;
@@ -261,7 +314,147 @@ void frmDownloader::InitializeChipType() {
 
 void frmDownloader::ClearComError() {
     ComErrorLatched = false;
-    // Not yet: the "Serial Data Error " indicator comes with the monitor terminal.
+    UpdateComErrorIndicator();
+}
+
+void frmDownloader::cmdClearComError_Click() { ClearComError(); }
+
+void frmDownloader::UpdateComErrorIndicator() {
+    if (ComErrorShownOnce && ComErrorLatched == ComErrorShown) {
+        return;
+    }
+    fraComDataError->setVisible(ComErrorLatched);
+    ComErrorShownOnce = true;
+    ComErrorShown = ComErrorLatched;
+}
+
+void frmDownloader::comMonitorPort_OnComm(int32_t CommEvent) {
+    switch (CommEvent) {
+        case CommEvents::Break:
+        case CommEvents::Framing:
+        case CommEvents::Overrun:
+        case CommEvents::ReceiveOverflow:
+        case CommEvents::ControlBlock:
+        case CommEvents::DeviceLost:
+            ComErrorLatched = true;
+            break;
+        default:
+            // Parity errors, a full transmit buffer and the plain events
+            // change nothing.
+            break;
+    }
+}
+
+void frmDownloader::tmrSerialInputPoller_Timer() {
+    // A box or an event pump inside the poll lets the timer fire again; that
+    // tick has nothing to do that the running one will not do.
+    if (Polling) {
+        return;
+    }
+    Polling = true;
+    struct Lower {
+        bool& Flag;
+        ~Lower() { Flag = false; }
+    } LowerPolling{Polling};
+
+    // The events first: a device that went away has closed the port, and
+    // that must still be noticed.
+    bool DeviceLost = false;
+    for (const int32_t Event : comMonitorPort->TakeCommEvents()) {
+        comMonitorPort_OnComm(Event);
+        DeviceLost = DeviceLost || Event == CommEvents::DeviceLost;
+    }
+    if (DeviceLost) {
+        const int Number = comMonitorPort->CommPort();
+        MonitorPortExecutive::PortWasLost();
+        UpdateComErrorIndicator();
+        ErrorDisplay::ShowErrorMessage(
+            QStringLiteral("Monitor port Com") + QString::number(Number) +
+                QStringLiteral(" was lost and is closed") +
+                QStringLiteral("\nThe device went away (a USB adapter unplugged?)"),
+            QStringLiteral("Monitor Port Error"));
+        return;
+    }
+    if (!comMonitorPort->PortOpen()) {
+        return;
+    }
+    UpdateComErrorIndicator();
+    if (comMonitorPort->InBufferCount() < 1) {
+        return;
+    }
+    const QByteArray Bytes = comMonitorPort->Input();
+    // The capture takes the bytes as they came; the filter is for the eye.
+    MonitorCapture::WriteCaptureBytes(Bytes);
+    AppendToDebugWindow(MonitorPortExecutive::FilterForDisplay(Bytes));
+}
+
+void frmDownloader::SetDebugWindowText(const QString& Text) {
+    DebugText = Text;
+    QString Shown = Text;
+    Shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    txtDebugWindow->setPlainText(Shown);
+    txtDebugWindow->moveCursor(QTextCursor::End);
+}
+
+void frmDownloader::AppendToDebugWindow(const QString& NewText) {
+    try {
+        if (DebugText.size() > 16000) {
+            // Cut by 4096 at a time, so that the window changes rarely. The
+            // document holds a CR LF as one line break: the cut there is
+            // 4096 less the pairs before it, and a pair cut in two leaves
+            // its LF as a line break.
+            qsizetype DocumentCut = 4096 - DebugText.left(4096).count(QStringLiteral("\r\n"));
+            if (DebugText.at(4095) == QLatin1Char('\r') &&
+                DebugText.at(4096) == QLatin1Char('\n')) {
+                --DocumentCut;
+            }
+            DebugText.remove(0, 4096);
+            QTextCursor Cut(txtDebugWindow->document());
+            Cut.setPosition(static_cast<int>(DocumentCut), QTextCursor::KeepAnchor);
+            Cut.removeSelectedText();
+            ClockService::Instance().DoEvents();
+        }
+        QString Shown = NewText;
+        Shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        DebugText += NewText;
+        QTextCursor End(txtDebugWindow->document());
+        End.movePosition(QTextCursor::End);
+        End.insertText(Shown);
+        // The window stays scrolled to the end.
+        txtDebugWindow->moveCursor(QTextCursor::End);
+        txtDebugWindow->ensureCursorVisible();
+        ClockService::Instance().DoEvents();
+    } catch (...) {
+        // The input is then simply not shown.
+    }
+}
+
+void frmDownloader::txtDebugWindow_KeyPress(uint8_t KeyAscii) {
+    try {
+        if (MonitorPortExecutive::IsMonitorPortOpen() && comMonitorPort->PortOpen()) {
+            comMonitorPort->Output(QByteArray(1, static_cast<char>(KeyAscii)));
+        } else {
+            ErrorDisplay::ShowErrorMessage(QStringLiteral("Monitor port must be open"),
+                                           QStringLiteral("Monitor Port Error"));
+        }
+    } catch (...) {
+        ExceptionTypes::ProcessException(6, 20);
+    }
+}
+
+bool frmDownloader::eventFilter(QObject* Watched, QEvent* Event) {
+    if (Watched == txtDebugWindow && Event->type() == QEvent::KeyPress) {
+        const auto* Key = static_cast<QKeyEvent*>(Event);
+        const QString Text = Key->text();
+        // A key that makes a character, as the old KeyPress saw it; keys that
+        // only move or scroll stay with the window.
+        if (Text.size() == 1 && Text.at(0).unicode() < 256 &&
+            (Key->modifiers() & (Qt::AltModifier | Qt::MetaModifier)) == 0) {
+            txtDebugWindow_KeyPress(static_cast<uint8_t>(Text.at(0).unicode()));
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(Watched, Event);
 }
 
 void frmDownloader::Form_Unload(bool& Cancel) {
@@ -370,7 +563,7 @@ void frmDownloader::mnuExit_Click() { close(); }
 
 void frmDownloader::cmdClearWindow_Click() {
     KavlinControl1->Text(QString());
-    txtDebugWindow->clear();
+    SetDebugWindowText(QString());
 }
 
 void frmDownloader::mnuOpenDownload_Click() {
@@ -378,7 +571,13 @@ void frmDownloader::mnuOpenDownload_Click() {
 }
 
 void frmDownloader::mnuCaptureToFile_Click() {
-    // Not yet: capture to file comes with the monitor terminal.
+    if (MonitorCapture::CaptureWindowIsOpen()) {
+        return;
+    }
+    // Not modal: the capture is watched while the chip runs.
+    frmMonitorCapture& Dialog = Global<frmMonitorCapture>::Get();
+    Dialog.setParent(this, Qt::Dialog);
+    Dialog.show();
 }
 
 void frmDownloader::mnuProcessorOptions_Click() {
@@ -397,7 +596,9 @@ void frmDownloader::mnuDownloadPortSetup_Click() {
 }
 
 void frmDownloader::mnuMonitorPortSetup_Click() {
-    // Not yet: the monitor port dialog comes with the monitor terminal.
+    frmMonitorPort& Dialog = Global<frmMonitorPort>::Get();
+    Dialog.exec();
+    Global<frmMonitorPort>::Unload();
 }
 
 void frmDownloader::mnuRescue_Click() {

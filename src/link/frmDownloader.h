@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QAction>
+#include <QFrame>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMap>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
 #include <QToolBar>
 #include <QVector>
 
@@ -14,6 +17,7 @@
 #include "frame/FormGeometry.h"
 #include "frame/WindowGeometry.h"
 #include "link/KavlinControl.h"
+#include "platform/SerialPortObject.h"
 
 // How the downloader reaches an open editor at shutdown without loading one.
 class EditorShutdownHandler {
@@ -39,7 +43,21 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void RestoreGeometry();
     void InitializeChipType();
     void SaveGeometry();
-    void ClearComError();
+    void ClearComError() override;
+    // Shows or hides the line error frame, touching it only when that changes.
+    void UpdateComErrorIndicator();
+    // Adds the text at the end of the monitor window, which is kept within
+    // 16000 characters by dropping its first 4096 at a time.
+    void AppendToDebugWindow(const QString& NewText);
+    // A character typed into the monitor window goes to the chip.
+    void txtDebugWindow_KeyPress(uint8_t KeyAscii);
+    // A line event of the monitor port (CommEvents).
+    void comMonitorPort_OnComm(int32_t CommEvent);
+    // The monitor window's text as it stands, a line break counting as CR LF.
+    const QString& DebugWindowText() const { return DebugText; }
+    // Replaces the monitor window's text.
+    void SetDebugWindowText(const QString& Text);
+    bool ComErrorIsLatched() const { return ComErrorLatched; }
     // Panel 5 shows the image's file name.
     void DisplayKVBfilename(const QString& Filename);
     // The window's geometry in twips.
@@ -93,6 +111,14 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     QAction* cmdResetCPU;
     QAction* cmdClearWindow;
 
+    // The monitor port and its poll.
+    SerialPortObject* comMonitorPort;
+    QTimer* tmrSerialInputPoller;
+    QFrame* fraComDataError;
+    QLabel* picComErrorIndicator;
+    QLabel* lblComStatus;
+    QPushButton* cmdClearComError;
+
   public slots:
     void ToolBar_ButtonClick(const QString& Key);
     void mnuOpenDownload_Click();
@@ -110,9 +136,12 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void cmdPowerDown_Click();
     void cmdResetCPU_Click();
     void cmdClearWindow_Click();
+    void cmdClearComError_Click();
+    void tmrSerialInputPoller_Timer();
 
   protected:
     void closeEvent(QCloseEvent* Event) override;
+    bool eventFilter(QObject* Watched, QEvent* Event) override;
 
   private:
     void BuildMenus();
@@ -126,5 +155,8 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     bool ComErrorShownOnce = false;
     bool ComErrorShown = false;
     bool Unloaded = false;
+    // The poll is running: a tick under its own box or event pump waits.
+    bool Polling = false;
+    QString DebugText;
     WindowGeometry Placement;
 };

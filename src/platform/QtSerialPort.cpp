@@ -1,5 +1,6 @@
 #include "platform/QtSerialPort.h"
 
+#include <linux/serial.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 
@@ -49,6 +50,8 @@ void QtSerialPort::SetPortOpen(bool Value) {
         SerialPortErrors::RaisePortAlreadyOpen();
     }
     ApplySettings();
+    Events.clear();
+    TakeLineCounts(true);
     // Opening raises DTR, and DTR is the chip's ATN line: it goes straight
     // back to what the object holds, False unless told otherwise.
     SetDTREnable(DTREnable_);
@@ -87,7 +90,48 @@ void QtSerialPort::Pump() {
     Port.flush();
     // A zero wait reads what the device holds without blocking.
     Port.waitForReadyRead(0);
+    CheckLine();
+}
+
+void QtSerialPort::CheckLine() {
+    if (Port.error() == QSerialPort::ResourceError) {
+        // The device is gone: the port is closed once, so nothing polls a
+        // dead device again.
+        Port.close();
+        Events << CommEvents::DeviceLost;
+    }
     Port.clearError();
+    if (Port.isOpen()) {
+        TakeLineCounts(false);
+    }
+}
+
+void QtSerialPort::TakeLineCounts(bool Baseline) {
+    serial_icounter_struct Counts{};
+    if (Port.handle() < 0 || ::ioctl(Port.handle(), TIOCGICOUNT, &Counts) != 0) {
+        HasLineCounts = false;
+        return;
+    }
+    if (!Baseline && HasLineCounts) {
+        if (Counts.brk != LastBreaks) Events << CommEvents::Break;
+        if (Counts.frame != LastFramings) Events << CommEvents::Framing;
+        if (Counts.overrun != LastOverruns) Events << CommEvents::Overrun;
+        if (Counts.buf_overrun != LastOverflows) Events << CommEvents::ReceiveOverflow;
+        if (Counts.parity != LastParities) Events << CommEvents::Parity;
+    }
+    HasLineCounts = true;
+    LastBreaks = Counts.brk;
+    LastFramings = Counts.frame;
+    LastOverruns = Counts.overrun;
+    LastOverflows = Counts.buf_overrun;
+    LastParities = Counts.parity;
+}
+
+QList<int32_t> QtSerialPort::TakeCommEvents() {
+    Pump();
+    QList<int32_t> Taken;
+    Taken.swap(Events);
+    return Taken;
 }
 
 void QtSerialPort::Output(const QByteArray& Bytes) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <cstdint>
 
@@ -54,6 +55,11 @@ class SerialPort {
     // Waits the same way until nothing is left to send.
     virtual void WaitForOutputDrain(int64_t MaxMicroseconds) = 0;
 
+    // The line's events (CommEvents) seen since the last call, oldest first.
+    // The monitor's poll takes them, as the old control's OnComm gave them;
+    // a device without such events has none.
+    virtual QList<int32_t> TakeCommEvents() { return {}; }
+
   protected:
     int16_t CommPort_ = 1;
     QString Settings_ = QStringLiteral("9600,N,8,1");
@@ -64,6 +70,20 @@ class SerialPort {
     QString ParityReplace_ = QStringLiteral("?");
     bool DTREnable_ = false;
 };
+
+// The line events, with the old communications control's numbers; DeviceLost
+// is ours: the device went away under an open port (a USB adapter pulled),
+// and the port has closed itself.
+namespace CommEvents {
+constexpr int32_t Break = 1001;
+constexpr int32_t Framing = 1004;
+constexpr int32_t Overrun = 1006;
+constexpr int32_t ReceiveOverflow = 1008;
+constexpr int32_t Parity = 1009;
+constexpr int32_t TransmitFull = 1010;
+constexpr int32_t ControlBlock = 1011;
+constexpr int32_t DeviceLost = 1100;
+}  // namespace CommEvents
 
 // The run-time errors of a serial port object, with the numbers the old
 // communications control gave them.

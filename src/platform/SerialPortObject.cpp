@@ -92,3 +92,7 @@ void SerialPortObject::WaitForInput(int32_t Count, int64_t MaxMicroseconds) {
 void SerialPortObject::WaitForOutputDrain(int64_t MaxMicroseconds) {
     OpenDevice().WaitForOutputDrain(MaxMicroseconds);
 }
+
+QList<int32_t> SerialPortObject::TakeCommEvents() {
+    return Device_ ? Device_->TakeCommEvents() : QList<int32_t>();
+}

@@ -22,6 +22,8 @@ class SerialPortObject : public SerialPort {
     void SetDTREnable(bool Value) override;
     void WaitForInput(int32_t Count, int64_t MaxMicroseconds) override;
     void WaitForOutputDrain(int64_t MaxMicroseconds) override;
+    // Also after the device closed itself, so that its loss is told.
+    QList<int32_t> TakeCommEvents() override;
 
     // The device behind an open port; nothing while closed.
     SerialPort* Device() const { return Device_.get(); }

@@ -39,6 +39,16 @@ void SimulatedKavlinChip::Reply(QByteArray Bytes, int64_t Ns, bool HasChecksum) 
     }
 }
 
+void SimulatedKavlinChip::Print(const QByteArray& Text, int64_t Ns) {
+    if (InMonitor_ || !Sink_) {
+        return;
+    }
+    // Byte by byte, so that a long text reaches the host as the line brings it.
+    for (const char Byte : Text) {
+        Sink_(QByteArray(1, Byte), Ns);
+    }
+}
+
 void SimulatedKavlinChip::EnterMonitor() {
     if (!InMonitor_) {
         InMonitor_ = true;
@@ -80,6 +90,9 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
             return;
         }
         ProgramInput.append(static_cast<char>(Byte));
+        if (ProgramEchoes) {
+            Print(QByteArray(1, static_cast<char>(Byte)), Ns);
+        }
         return;
     }
     switch (State) {

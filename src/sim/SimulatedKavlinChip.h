@@ -45,6 +45,11 @@ class SimulatedKavlinChip {
     // The board's reset button: the program starts again.
     void PressReset(int64_t Ns);
 
+    // The running program prints: the bytes go out one after another from
+    // Ns on, as a program's serial output does. The resident monitor prints
+    // nothing of the program's, so nothing goes out while it has the chip.
+    void Print(const QByteArray& Text, int64_t Ns);
+
     bool InMonitor() const { return InMonitor_; }
     bool AtnLevel() const { return AtnLevel_; }
 
@@ -68,6 +73,9 @@ class SimulatedKavlinChip {
     int CatchCount = 0;
     // Bytes the running program was sent; the monitor never saw them.
     QByteArray ProgramInput;
+    // The running program prints back every byte it is sent, as a terminal
+    // program does.
+    bool ProgramEchoes = false;
 
   private:
     enum class Expect {

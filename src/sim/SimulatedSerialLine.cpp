@@ -73,9 +73,16 @@ void SimulatedSerialLine::ProcessNextEvent() {
     const Reply Arrived = std::move(ToHost.front());
     ToHost.pop_front();
     LineNs = std::max(LineNs, Arrived.ArrivesNs);
+    if (!Open) {
+        // A closed port receives nothing.
+        return;
+    }
     // Beyond the input buffer the bytes are lost, as in an overrun.
     const int32_t Room = std::max<int32_t>(0, InBufferSize_ - InBuffer.size());
     InBuffer.append(Arrived.Bytes.left(Room));
+    if (Arrived.Bytes.size() > Room) {
+        CommEvents_ << CommEvents::ReceiveOverflow;
+    }
 }
 
 void SimulatedSerialLine::AdvanceTo(int64_t Ns) {
@@ -126,6 +133,7 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
     ToChip.clear();
     ToHost.clear();
     InBuffer.clear();
+    CommEvents_.clear();
     Open = false;
     Record(HostEvent::Close);
     DriveAtn(false, LineNs);
@@ -241,4 +249,21 @@ void SimulatedSerialLine::WaitForOutputDrain(int64_t MaxMicroseconds) {
 void SimulatedSerialLine::PressResetButton() {
     AdvanceTo(NowNs());
     Chip_->PressReset(LineNs);
+}
+
+void SimulatedSerialLine::ProgramPrints(const QByteArray& Text) {
+    AdvanceTo(NowNs());
+    Chip_->Print(Text, LineNs);
+}
+
+void SimulatedSerialLine::LineEvent(int32_t Event) {
+    if (Open) {
+        CommEvents_ << Event;
+    }
+}
+
+QList<int32_t> SimulatedSerialLine::TakeCommEvents() {
+    QList<int32_t> Taken;
+    Taken.swap(CommEvents_);
+    return Taken;
 }

@@ -35,10 +35,17 @@ class SimulatedSerialLine : public SerialPort {
     void SetDTREnable(bool Value) override;
     void WaitForInput(int32_t Count, int64_t MaxMicroseconds) override;
     void WaitForOutputDrain(int64_t MaxMicroseconds) override;
+    QList<int32_t> TakeCommEvents() override;
 
     SimulatedKavlinChip& Chip() { return *Chip_; }
     // The user presses the board's reset button now.
     void PressResetButton();
+    // The chip's running program prints the text now; it reaches the host's
+    // input buffer at the line's pace.
+    void ProgramPrints(const QByteArray& Text);
+    // The line suffers an event (CommEvents: a break, a framing error, ...)
+    // that an open port reports.
+    void LineEvent(int32_t Event);
 
     // What the host did on the line, for a test to read back.
     struct HostEvent {
@@ -95,5 +102,6 @@ class SimulatedSerialLine : public SerialPort {
     int64_t HostLineFreeNs = 0;
     int64_t ChipLineFreeNs = 0;
     std::vector<HostEvent> Events;
+    QList<int32_t> CommEvents_;
     QByteArray Sent;
 };

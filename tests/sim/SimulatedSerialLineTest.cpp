@@ -207,4 +207,50 @@ TEST(SerialDevices, SimulatedChipEntryOpensTheInstalledLine) {
     SerialDevices::SetDeviceLister(nullptr);
 }
 
+TEST_F(SimulatedSerialLineTest, ProgramPrintsReachTheHostAtTheLinesPace) {
+    Line->ProgramPrints("Hello\r\n");
+    EXPECT_EQ(Line->InBufferCount(), 0);
+    Clock->SleepMicroseconds(3 * SimulatedSerialLine::ByteNs / 1000 + 1);
+    EXPECT_EQ(Line->Input(), QByteArray("Hel"));
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("lo\r\n"));
+}
+
+TEST_F(SimulatedSerialLineTest, ResidentMonitorPrintsNothingOfTheProgram) {
+    Catch();
+    Line->ProgramPrints("lost");
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->InBufferCount(), 0);
+}
+
+TEST_F(SimulatedSerialLineTest, RunningProgramKeepsWhatItIsSentAndCanEchoIt) {
+    Line->Chip().ProgramEchoes = true;
+    Line->Output("ok\r");
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("ok\r"));
+    EXPECT_EQ(Line->Chip().ProgramInput, QByteArray("ok\r"));
+}
+
+TEST_F(SimulatedSerialLineTest, ClosedPortReceivesNothingOfWhatWasPrinted) {
+    Line->ProgramPrints("early");
+    Line->SetPortOpen(false);
+    Clock->SleepMicroseconds(1000);
+    Line->SetPortOpen(true);
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->InBufferCount(), 0);
+}
+
+TEST_F(SimulatedSerialLineTest, LineEventsAreTakenOnceAndOverflowIsOne) {
+    Line->LineEvent(CommEvents::Break);
+    EXPECT_EQ(Line->TakeCommEvents(), QList<int32_t>({CommEvents::Break}));
+    EXPECT_TRUE(Line->TakeCommEvents().isEmpty());
+    Line->SetPortOpen(false);
+    Line->SetInBufferSize(4);
+    Line->SetPortOpen(true);
+    Line->ProgramPrints("123456");
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("1234"));
+    EXPECT_TRUE(Line->TakeCommEvents().contains(CommEvents::ReceiveOverflow));
+}
+
 }  // namespace

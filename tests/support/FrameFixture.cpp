@@ -10,6 +10,7 @@
 #include "frame/ErrorDisplay.h"
 #include "frame/GlobalData.h"
 #include "platform/ErrObject.h"
+#include "platform/SerialDevices.h"
 
 void FrameFixture::SetUp() {
     ASSERT_TRUE(Temp.isValid());
@@ -32,6 +33,9 @@ void FrameFixture::SetUp() {
     CommandLineInterpreter::SetHost(nullptr);
     GlobalData::InitializeGlobalData();
     DirectoryCentral::SetWorkPath(Temp.path());
+    // No test reaches the machine's serial devices: a stored port number
+    // names nothing unless the test lists devices of its own.
+    SerialDevices::SetDeviceLister([] { return QStringList(); });
     Err().Clear();
 }
 
@@ -43,6 +47,7 @@ void FrameFixture::TearDown() {
     SettingsStore::Install(std::make_unique<MemorySettingsStore>());
     MessageBoxService::Install(std::make_unique<ScriptedMessageBoxService>());
     ClockService::Install(std::make_unique<VirtualClockService>());
+    SerialDevices::SetDeviceLister([] { return QStringList(); });
 }
 
 void FrameFixture::SetSetting(const QString& Key, const QString& Value) {
