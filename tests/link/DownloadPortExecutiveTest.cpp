@@ -6,6 +6,7 @@
 #include "link/DownloadPortExecutive.h"
 #include "link/DownloadPortFixture.h"
 #include "link/ParallelDownloader.h"
+#include "monitor/MonitorPortExecutive.h"
 #include "platform/SerialPortObject.h"
 
 namespace {
@@ -241,6 +242,31 @@ TEST_F(DownloadPortExecutiveTest, SerialDeviceHeldByAnotherProgramIsNotOpenAndSa
     }
     ::close(Master);
     ::close(Slave);
+}
+
+}  // namespace
+
+namespace {
+
+// The chip has one line: the monitor lets go of it for the trial of the
+// download port and takes it back afterwards.
+TEST_F(DownloadPortExecutiveTest, TrialOnTheSimulatedLineTakesItFromTheMonitorAndGivesItBack) {
+    SerialPortObject Monitor;
+    MonitorPortExecutive::SetPortObject(&Monitor);
+    MonitorPortInfoType Settings;
+    Settings.IsDefined = true;
+    Settings.SetPortNumber(static_cast<uint8_t>(SerialDevices::SimulatedChipPort));
+    MonitorPortExecutive::SetMonitorPortInfo(Settings);
+    ASSERT_TRUE(MonitorPortExecutive::IsMonitorPortOpen());
+
+    StoreSerialPort(SerialDevices::SimulatedChipPort);
+    DownloadPortExecutive::Initialize();
+    const bool DownloadPortWasFound = DownloadPortExecutive::DownloadPortIsOpen();
+    const bool MonitorIsBack = MonitorPortExecutive::IsMonitorPortOpen() && Monitor.PortOpen();
+    MonitorPortExecutive::CloseMonitorPort();
+    MonitorPortExecutive::SetPortObject(nullptr);
+    EXPECT_TRUE(DownloadPortWasFound) << DownloadPortExecutive::LastFailureCause().toStdString();
+    EXPECT_TRUE(MonitorIsBack);
 }
 
 }  // namespace
