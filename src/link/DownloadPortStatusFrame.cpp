@@ -3,6 +3,9 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "link/DownloadPortExecutive.h"
+#include "platform/MessageBoxService.h"
+
 DownloadPortStatusFrame::DownloadPortStatusFrame(QWidget* Parent)
     : QGroupBox(QStringLiteral("Port Status"), Parent) {
     setObjectName(QStringLiteral("fraPortStatus"));
@@ -40,4 +43,23 @@ void DownloadPortStatusFrame::ShowStatus(bool IsOpen) {
         Colours.setColor(QPalette::WindowText, Qt::white);
     }
     lblStatus->setPalette(Colours);
+}
+
+bool DownloadPortStatusFrame::ApplyAndReport(const DownloadPortInfoType& Port, const QString& Kind,
+                                             const QString& Suffix) {
+    DownloadPortExecutive::SetDownloadPortInfo(Port);
+    if (Port.IsDefined() == DownloadPortExecutive::DownloadPortIsOpen()) {
+        return true;
+    }
+    QString Text =
+        (DownloadPortExecutive::DownloadPortIsOpen() ? QStringLiteral("Unable to close ")
+                                                     : QStringLiteral("Unable to open ")) +
+        Kind + QString::number(Port.PortNumber()) + Suffix;
+    const QString Cause = DownloadPortExecutive::LastFailureCause();
+    if (!Cause.isEmpty()) {
+        Text += QLatin1Char('\n') + Cause;
+    }
+    MessageBoxService::Instance().Show(Text, QStringLiteral("Download Port Error"),
+                                       MsgBoxButtons::OKOnly, MsgBoxIcon::Exclamation);
+    return false;
 }

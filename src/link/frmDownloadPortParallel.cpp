@@ -5,7 +5,6 @@
 #include <QVBoxLayout>
 
 #include "link/DownloadPortExecutive.h"
-#include "platform/MessageBoxService.h"
 #include "platform/Val.h"
 
 namespace {
@@ -165,49 +164,26 @@ void frmDownloadPortParallel::ReadControls() {
 
 void frmDownloadPortParallel::ApplyChanges(bool& Success) {
     ReadControls();
-    DownloadPortExecutive::SetDownloadPortInfo(LocalPort);
-    if (LocalPort.IsDefined() == DownloadPortExecutive::DownloadPortIsOpen()) {
-        Success = true;
-        return;
-    }
-    Success = false;
-    QString Text = DownloadPortExecutive::DownloadPortIsOpen()
-                       ? QStringLiteral("Unable to close LPT")
-                       : QStringLiteral("Unable to open LPT");
-    Text += QString::number(LocalPort.PortNumber()) + QLatin1Char(':');
-    const QString Cause = DownloadPortExecutive::LastFailureCause();
-    if (!Cause.isEmpty()) {
-        Text += QLatin1Char('\n') + Cause;
-    }
-    MessageBoxService::Instance().Show(Text, QStringLiteral("Download Port Error"),
-                                       MsgBoxButtons::OKOnly, MsgBoxIcon::Exclamation);
+    Success = DownloadPortStatusFrame::ApplyAndReport(LocalPort, QStringLiteral("LPT"),
+                                                      QStringLiteral(":"));
 }
 
 void frmDownloadPortParallel::cmdOpenPort_Click() {
     ControlsAreLive = false;
-    LocalPort.SetIsDefined(true);
-    bool Success = false;
-    ApplyChanges(Success);
-    ShowStatus();
+    ApplyWithPortDefined(true);
     ControlsAreLive = true;
 }
 
 void frmDownloadPortParallel::cmdClosePort_Click() {
     ControlsAreLive = false;
-    LocalPort.SetIsDefined(false);
-    bool Success = false;
-    ApplyChanges(Success);
-    ShowStatus();
+    ApplyWithPortDefined(false);
     ControlsAreLive = true;
 }
 
 void frmDownloadPortParallel::Control_Change() {
     // An address, a number or the reserve tick is never changed under an open port.
     if (ControlsAreLive) {
-        LocalPort.SetIsDefined(false);
-        bool Success = false;
-        ApplyChanges(Success);
-        ShowStatus();
+        ApplyWithPortDefined(false);
     }
 }
 
@@ -215,6 +191,13 @@ void frmDownloadPortParallel::txtFreeFormat_Change() {
     Control_Change();
     // Typing an address chooses it; the radio group clears the fixed four.
     optFreeFormat->setChecked(true);
+}
+
+void frmDownloadPortParallel::ApplyWithPortDefined(bool Defined) {
+    LocalPort.SetIsDefined(Defined);
+    bool Success = false;
+    ApplyChanges(Success);
+    ShowStatus();
 }
 
 void frmDownloadPortParallel::cmdOK_Click() {

@@ -57,6 +57,8 @@ class frmDownloadPortParallel : public QDialog {
     void FillControls();
     void ReadControls();
     void ShowStatus();
+    // The open or close of the buttons and of a changed control.
+    void ApplyWithPortDefined(bool Defined);
 
     DownloadPortInfoType LocalPort;
     // False while code fills the controls, so that their events do nothing.

@@ -4,7 +4,6 @@
 #include <QVBoxLayout>
 
 #include "link/DownloadPortExecutive.h"
-#include "platform/MessageBoxService.h"
 #include "platform/SerialDevices.h"
 
 namespace {
@@ -84,50 +83,33 @@ void frmDownloadPortSerial::ReadControls() {
 
 void frmDownloadPortSerial::ApplyChanges(bool& Success) {
     ReadControls();
-    DownloadPortExecutive::SetDownloadPortInfo(LocalPort);
-    if (LocalPort.IsDefined() == DownloadPortExecutive::DownloadPortIsOpen()) {
-        Success = true;
-        return;
-    }
-    Success = false;
-    QString Text = DownloadPortExecutive::DownloadPortIsOpen()
-                       ? QStringLiteral("Unable to close Com")
-                       : QStringLiteral("Unable to open Com");
-    Text += QString::number(LocalPort.PortNumber());
-    const QString Cause = DownloadPortExecutive::LastFailureCause();
-    if (!Cause.isEmpty()) {
-        Text += QLatin1Char('\n') + Cause;
-    }
-    MessageBoxService::Instance().Show(Text, QStringLiteral("Download Port Error"),
-                                       MsgBoxButtons::OKOnly, MsgBoxIcon::Exclamation);
+    Success = DownloadPortStatusFrame::ApplyAndReport(LocalPort, QStringLiteral("Com"), QString());
 }
 
 void frmDownloadPortSerial::cmdOpenPort_Click() {
     ControlsAreLive = false;
-    LocalPort.SetIsDefined(true);
-    bool Success = false;
-    ApplyChanges(Success);
-    ShowStatus();
+    ApplyWithPortDefined(true);
     ControlsAreLive = true;
 }
 
 void frmDownloadPortSerial::cmdClosePort_Click() {
     ControlsAreLive = false;
-    LocalPort.SetIsDefined(false);
-    bool Success = false;
-    ApplyChanges(Success);
-    ShowStatus();
+    ApplyWithPortDefined(false);
     ControlsAreLive = true;
 }
 
 void frmDownloadPortSerial::cboSerialPortNumber_Click() {
     // A port number is never changed under an open port.
     if (ControlsAreLive) {
-        LocalPort.SetIsDefined(false);
-        bool Success = false;
-        ApplyChanges(Success);
-        ShowStatus();
+        ApplyWithPortDefined(false);
     }
+}
+
+void frmDownloadPortSerial::ApplyWithPortDefined(bool Defined) {
+    LocalPort.SetIsDefined(Defined);
+    bool Success = false;
+    ApplyChanges(Success);
+    ShowStatus();
 }
 
 void frmDownloadPortSerial::cmdOK_Click() {

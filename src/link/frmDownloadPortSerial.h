@@ -40,6 +40,8 @@ class frmDownloadPortSerial : public QDialog {
     void FillControls();
     void ReadControls();
     void ShowStatus();
+    // The open or close of the buttons and of a changed control.
+    void ApplyWithPortDefined(bool Defined);
 
     DownloadPortInfoType LocalPort;
     // False while code fills the controls, so that their events do nothing.
