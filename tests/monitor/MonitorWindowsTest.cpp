@@ -21,6 +21,7 @@
 #include "sim/SimulatedSerialLine.h"
 #include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
+#include "support/PseudoTerminal.h"
 #include "support/ScriptedFileDialogService.h"
 
 namespace {
@@ -718,22 +719,7 @@ class MonitorPtyTest : public MonitorWindowTest {
         }
         MonitorWindowTest::TearDown();
     }
-    QByteArray ReadMaster(int Count) {
-        QByteArray Got;
-        QElapsedTimer Timer;
-        Timer.start();
-        while (Got.size() < Count && Timer.elapsed() < 3000) {
-            pollfd Poll{Master, POLLIN, 0};
-            if (::poll(&Poll, 1, 50) > 0) {
-                char Buffer[256];
-                const ssize_t N = ::read(Master, Buffer, sizeof Buffer);
-                if (N > 0) {
-                    Got.append(Buffer, static_cast<int>(N));
-                }
-            }
-        }
-        return Got;
-    }
+    QByteArray ReadMaster(int Count) const { return ReadFromTerminal(Master, Count); }
     // Polls as the timer does until the window shows the text, 3 s at most.
     bool PollUntilShown(frmDownloader& Window, const QString& Text) {
         QElapsedTimer Timer;

@@ -10,6 +10,7 @@
 #include "platform/QtSerialPort.h"
 #include "platform/SerialDevices.h"
 #include "platform/SerialPortObject.h"
+#include "support/PseudoTerminal.h"
 
 namespace {
 
@@ -45,22 +46,7 @@ class QtSerialPortTest : public ::testing::Test {
         ::close(Slave);
     }
 
-    QByteArray ReadMaster(int Count) {
-        QByteArray Got;
-        QElapsedTimer Timer;
-        Timer.start();
-        while (Got.size() < Count && Timer.elapsed() < 3000) {
-            pollfd Poll{Master, POLLIN, 0};
-            if (::poll(&Poll, 1, 100) > 0) {
-                char Buffer[512];
-                const ssize_t N = ::read(Master, Buffer, sizeof Buffer);
-                if (N > 0) {
-                    Got.append(Buffer, static_cast<int>(N));
-                }
-            }
-        }
-        return Got;
-    }
+    QByteArray ReadMaster(int Count) const { return ReadFromTerminal(Master, Count); }
 
     static QByteArray AllByteValues() {
         QByteArray All;
