@@ -3,15 +3,13 @@
 // paste, and the memory of recolouring one line again and again.
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QFile>
 #include <QTest>
 #include <memory>
 
-#include "BenchSettings.h"
+#include "WindowBench.h"
 #include "editor/frmEditBoxType.h"
 #include "platform/ClipboardService.h"
-#include "platform/HeadlessMessageBoxService.h"
 #include "platform/SettingsStore.h"
 
 namespace {
@@ -167,14 +165,7 @@ void BM_Paste1000Lines(benchmark::State& State) {
 }
 BENCHMARK(BM_Paste1000Lines)->Unit(benchmark::kMillisecond)->Iterations(10);
 
-long ResidentKilobytes() {
-    QFile Status(QStringLiteral("/proc/self/statm"));
-    if (!Status.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    const QList<QByteArray> Fields = Status.readAll().split(' ');
-    return Fields.size() > 1 ? Fields[1].toLong() * 4 : 0;
-}
+using WindowBench::ResidentKilobytes;
 
 // Recolouring one line 10,000 times: the resident memory before and after.
 void BM_RecolourOneLineMemory(benchmark::State& State) {
@@ -200,14 +191,4 @@ BENCHMARK(BM_RecolourOneLineMemory)->Iterations(1)->Unit(benchmark::kMillisecond
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    const BenchSettings Settings;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication Application(argc, argv);
-    MessageBoxService::Install(std::make_unique<HeadlessMessageBoxService>(nullptr));
-    ClipboardService::Install(std::make_unique<MemoryClipboardService>());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+int main(int argc, char** argv) { return WindowBench::RunBenchmarks(argc, argv); }

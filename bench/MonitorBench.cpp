@@ -10,7 +10,6 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
@@ -22,15 +21,13 @@
 #include <memory>
 #include <vector>
 
-#include "BenchSettings.h"
+#include "WindowBench.h"
 #include "editor/frmEditBoxType.h"
 #include "link/frmDownloader.h"
 #include "monitor/MonitorCapture.h"
 #include "monitor/MonitorPortExecutive.h"
-#include "platform/ClipboardService.h"
 #include "platform/ClockService.h"
 #include "platform/Global.h"
-#include "platform/HeadlessMessageBoxService.h"
 #include "platform/SerialDevices.h"
 #include "sim/SimulatedSerialLine.h"
 
@@ -42,14 +39,7 @@ double CpuSeconds(clockid_t Clock) {
     return static_cast<double>(Now.tv_sec) + static_cast<double>(Now.tv_nsec) / 1e9;
 }
 
-long ResidentKilobytes() {
-    QFile Statm(QStringLiteral("/proc/self/statm"));
-    if (!Statm.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    const QList<QByteArray> Fields = Statm.readAll().split(' ');
-    return Fields.size() > 1 ? Fields[1].toLong() * (sysconf(_SC_PAGESIZE) / 1024) : 0;
-}
+using WindowBench::ResidentKilobytes;
 
 // Time that moves only when told, with Qt's events run on request.
 class BenchVirtualClock : public ClockService {
@@ -307,14 +297,4 @@ BENCHMARK(MonitorRealTimeSixtySeconds)
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    const BenchSettings Settings;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication Application(argc, argv);
-    MessageBoxService::Install(std::make_unique<HeadlessMessageBoxService>(nullptr));
-    ClipboardService::Install(std::make_unique<MemoryClipboardService>());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+int main(int argc, char** argv) { return WindowBench::RunBenchmarks(argc, argv); }

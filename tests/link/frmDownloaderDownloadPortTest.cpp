@@ -16,11 +16,7 @@ class DownloaderDownloadPortTest : public DownloadPortFixture {
   protected:
     void SetUp() override {
         DownloadPortFixture::SetUp();
-        WriteFile(QStringLiteral("inst/Temp/.keep"));
-        WriteFile(QStringLiteral("inst/BinKV10/SymbolKV10.sym"));
-        WriteFile(QStringLiteral("inst/BinKV20/SymbolKV20.sym"));
-        SetSetting(QStringLiteral("Run_Dir"), TempPath() + QStringLiteral("/inst"));
-        SetSetting(QStringLiteral("Work_Dir"), TempPath());
+        MakeGoodInstallation();
         frmDownloader::ResetProcessEnded();
         // A downloader closed by an earlier case of this process asked the
         // application to quit while no loop ran, and every later loop would end

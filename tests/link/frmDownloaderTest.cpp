@@ -40,12 +40,7 @@ class DownloaderTest : public FrameFixture {
   protected:
     void SetUp() override {
         FrameFixture::SetUp();
-        // A good installation, so that start-up shows no box of its own.
-        WriteFile(QStringLiteral("inst/Temp/.keep"));
-        WriteFile(QStringLiteral("inst/BinKV10/SymbolKV10.sym"));
-        WriteFile(QStringLiteral("inst/BinKV20/SymbolKV20.sym"));
-        SetSetting(QStringLiteral("Run_Dir"), TempPath() + QStringLiteral("/inst"));
-        SetSetting(QStringLiteral("Work_Dir"), TempPath());
+        MakeGoodInstallation();
         frmDownloader::ResetProcessEnded();
     }
     void TearDown() override {

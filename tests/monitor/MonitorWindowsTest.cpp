@@ -34,11 +34,7 @@ class MonitorWindowTest : public FrameFixture {
   protected:
     void SetUp() override {
         FrameFixture::SetUp();
-        WriteFile(QStringLiteral("inst/Temp/.keep"));
-        WriteFile(QStringLiteral("inst/BinKV10/SymbolKV10.sym"));
-        WriteFile(QStringLiteral("inst/BinKV20/SymbolKV20.sym"));
-        SetSetting(QStringLiteral("Run_Dir"), TempPath() + QStringLiteral("/inst"));
-        SetSetting(QStringLiteral("Work_Dir"), TempPath());
+        MakeGoodInstallation();
         SetSetting(QStringLiteral("KV20port_Number"), QStringLiteral(" 99, 115200,N,8,10"));
         auto Dialogs = std::make_unique<ScriptedFileDialogService>();
         FileDialogs = Dialogs.get();

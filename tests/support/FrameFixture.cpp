@@ -50,6 +50,14 @@ void FrameFixture::TearDown() {
     SerialDevices::SetDeviceLister([] { return QStringList(); });
 }
 
+void FrameFixture::MakeGoodInstallation() {
+    WriteFile(QStringLiteral("inst/Temp/.keep"));
+    WriteFile(QStringLiteral("inst/BinKV10/SymbolKV10.sym"));
+    WriteFile(QStringLiteral("inst/BinKV20/SymbolKV20.sym"));
+    SetSetting(QStringLiteral("Run_Dir"), TempPath() + QStringLiteral("/inst"));
+    SetSetting(QStringLiteral("Work_Dir"), TempPath());
+}
+
 void FrameFixture::SetSetting(const QString& Key, const QString& Value) {
     Settings->SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"), Key, Value);
 }

@@ -21,6 +21,9 @@ class FrameFixture : public ::testing::Test {
     // Writes a file under the temporary directory; returns its full name.
     QString WriteFile(const QString& RelativeName, const QByteArray& Content = QByteArray());
     QString TempPath() const { return Temp.path(); }
+    // A good installation in "inst" and the work path here, so that the
+    // downloader's start-up shows no box of its own.
+    void MakeGoodInstallation();
 
     QTemporaryDir Temp;
     MemorySettingsStore* Settings = nullptr;
