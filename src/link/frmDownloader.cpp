@@ -71,6 +71,16 @@ frmDownloader::frmDownloader() {
     KavlinControl1->setObjectName(QStringLiteral("KavlinControl1"));
     txtDebugWindow->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtDebugWindow->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    // The scroll area lays its children out again after every change of a
+    // scroll bar's range, to show or hide a bar as needed; that repaints the
+    // horizontal bar each time a poll adds lines, a quarter of the window's
+    // CPU while a chip prints. Both bars are always shown here, so there is
+    // nothing to show or hide: a resize still lays the children out. Where
+    // the toolkit names this connection otherwise, nothing is disconnected.
+    for (QScrollBar* Bar : {txtDebugWindow->horizontalScrollBar(), txtDebugWindow->verticalScrollBar()}) {
+        QObject::disconnect(Bar, SIGNAL(rangeChanged(int, int)), txtDebugWindow,
+                            SLOT(_q_showOrHideScrollBars()));
+    }
     txtDebugWindow->installEventFilter(this);
     KavlinControl1->SetDebugWindow([this](const QString& Text) { SetDebugWindowText(Text); });
     KavlinControlSerialLink::Install(*KavlinControl1);

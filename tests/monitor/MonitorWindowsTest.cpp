@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QScrollBar>
 #include <QSerialPort>
 #include <QSignalSpy>
 #include <QTest>
@@ -284,6 +285,46 @@ TEST_F(MonitorWindowTest, NothingIsReadWhileTheDownloadLinkHoldsTheLine) {
     Tick(Window);
     EXPECT_EQ(Shown(Window), QString());
     EXPECT_EQ(Download.InBufferCount(), 12) << "the poll took nothing from the link";
+}
+
+// Counts the paint events a widget receives.
+class PaintCounter : public QObject {
+  public:
+    explicit PaintCounter(QWidget* Watched) { Watched->installEventFilter(this); }
+    int Paints = 0;
+
+  protected:
+    bool eventFilter(QObject* Watched, QEvent* Event) override {
+        Paints += Event->type() == QEvent::Paint ? 1 : 0;
+        return QObject::eventFilter(Watched, Event);
+    }
+};
+
+TEST_F(MonitorWindowTest, LinesArrivingRepaintTheVerticalScrollBarButNotTheHorizontalOne) {
+    frmDownloader& Window = Load();
+    Window.resize(600, 400);
+    QTest::qWait(20);
+    PaintCounter Horizontal(Window.txtDebugWindow->horizontalScrollBar());
+    PaintCounter Vertical(Window.txtDebugWindow->verticalScrollBar());
+    for (int Poll = 0; Poll < 10; ++Poll) {
+        ChipPrints(QByteArray("short line\r").repeated(20));
+        Tick(Window);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_GE(Vertical.Paints, 5) << "the vertical bar follows the text";
+    EXPECT_LE(Horizontal.Paints, 1) << "nothing about the horizontal bar changed";
+    // A line wider than the window still gives the horizontal bar its range.
+    ChipPrints(QByteArray(300, 'W') + "\r");
+    Tick(Window);
+    QCoreApplication::processEvents();
+    EXPECT_GT(Window.txtDebugWindow->horizontalScrollBar()->maximum(), 0);
+    EXPECT_TRUE(Window.txtDebugWindow->horizontalScrollBar()->isVisible());
+    EXPECT_TRUE(Window.txtDebugWindow->verticalScrollBar()->isVisible());
+    // A resize still lays the bars out along the window's new size.
+    const int Width = Window.txtDebugWindow->horizontalScrollBar()->width();
+    Window.resize(800, 400);
+    QTest::qWait(20);
+    EXPECT_EQ(Window.txtDebugWindow->horizontalScrollBar()->width(), Width + 200);
 }
 
 // The monitor port dialog.
