@@ -12,6 +12,7 @@
 #include <QTextCursor>
 #include <QVBoxLayout>
 
+#include "chip/XFileExecutivePRF.h"
 #include "compile/CompilerCentral.h"
 #include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
@@ -22,12 +23,14 @@
 #include "frame/KeyedToolBar.h"
 #include "frame/RegistryCentral.h"
 #include "frame/TwipsConversion.h"
+#include "frame/UtilitiesFilename.h"
 #include "frame/frmAbout.h"
 #include "frame/frmSplash.h"
 #include "frame/frmWorkPathDefinition.h"
 #include "link/DownloadPortExecutive.h"
 #include "link/KavlinControlSerialLink.h"
 #include "link/ParallelDownloader.h"
+#include "link/XSerialDownloader.h"
 #include "link/frmDownloadPortParallel.h"
 #include "link/frmDownloadPortSerial.h"
 #include "monitor/MonitorCapture.h"
@@ -35,6 +38,8 @@
 #include "monitor/frmMonitorCapture.h"
 #include "monitor/frmMonitorPort.h"
 #include "platform/ClockService.h"
+#include "platform/ErrObject.h"
+#include "platform/FileDialogService.h"
 #include "platform/Global.h"
 #include "project/ProjectType.h"
 
@@ -132,6 +137,9 @@ frmDownloader::frmDownloader() {
             Editor->setEnabled(Enabled);
         }
     });
+    XSerialDownloader::Attach(
+        KavlinControl1, comMonitorPort, [this](const QString& Text) { AppendToDebugWindow(Text); },
+        ProgressBar1);
 }
 
 frmDownloader::~frmDownloader() {
@@ -143,6 +151,7 @@ frmDownloader::~frmDownloader() {
         MonitorPortExecutive::CloseMonitorPort();
         MonitorPortExecutive::SetPortObject(nullptr);
     }
+    XSerialDownloader::Detach();
     delete comMonitorPort;
     GlobalData::SetEditorButtonHandler({});
     if (Global<frmSourceEditor>::IsLoaded()) {
@@ -577,7 +586,8 @@ void frmDownloader::cmdClearWindow_Click() {
 }
 
 void frmDownloader::mnuOpenDownload_Click() {
-    // Not yet: opening a program image comes with the download.
+    int32_t FileSizeKVB = 0;
+    OpenKVBfile(QString(), FileSizeKVB);
 }
 
 void frmDownloader::mnuCaptureToFile_Click() {
@@ -612,27 +622,119 @@ void frmDownloader::mnuMonitorPortSetup_Click() {
 }
 
 void frmDownloader::mnuRescue_Click() {
-    // Not yet: the rescue comes with the serial chip link.
+    if (!PortGuard()) {
+        return;
+    }
+    SetDownloaderEnabled(false);
+    XSerialDownloader::RescueChip();
+    SetDownloaderEnabled(true);
 }
 
 void frmDownloader::mnuDiagnosticATN_Click() {
-    // Not yet: the ATN diagnostic comes with the diagnostics.
+    if (GlobalData::ChipType != 2 && GlobalData::ChipType != 3) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("ATN diagnostic requires KV-20 or KV-30"),
+                                       QStringLiteral("Processor Type Error"));
+        return;
+    }
+    // The diagnostic dialog itself comes with the other chip dialogs.
+}
+
+bool frmDownloader::PortGuard() {
+    DownloadPortExecutive::CheckPortMatchesChip();
+    if (!DownloadPortExecutive::DownloadPortIsOpen()) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Download port is not open"),
+                                       QStringLiteral("Download Port Error"));
+        return false;
+    }
+    return true;
+}
+
+void frmDownloader::SetDownloaderEnabled(bool Enable) {
+    if (Enable) {
+        unsetCursor();
+    } else {
+        setCursor(Qt::WaitCursor);
+    }
+    for (int Position = 6; Position <= 9; ++Position) {
+        if (QAction* Button = ToolBarButtons.value(Position - 1)) {
+            Button->setEnabled(Enable);
+        }
+    }
+    ToolBar->repaint();
+}
+
+void frmDownloader::ShowRunState(const QString& Power, const QString& Run) {
+    StatusBarPanels[0]->setText(Power);
+    StatusBarPanels[1]->setText(Run);
+}
+
+void frmDownloader::ReportKV10Unavailable() {
+    ErrorDisplay::ShowErrorMessage(
+        QStringLiteral("The KV-10 programmer on the parallel port is not available in this "
+                       "version"),
+        QStringLiteral("Processor Type Error"));
 }
 
 void frmDownloader::cmdDownload_Click() {
-    // Not yet: the download comes with the serial chip link.
+    if (!PortGuard()) {
+        return;
+    }
+    bool Success = false;
+    DownloadProgram(Success);
+}
+
+void frmDownloader::DownloadAndExecute() {
+    if (!PortGuard()) {
+        return;
+    }
+    bool Success = false;
+    DownloadProgram(Success);
+    if (Success) {
+        ExecuteProgram();
+    }
 }
 
 void frmDownloader::cmdExecute_Click() {
-    // Not yet: starting the chip comes with the serial chip link.
+    if (!PortGuard()) {
+        return;
+    }
+    ExecuteProgram();
 }
 
 void frmDownloader::cmdPowerDown_Click() {
-    // Not yet: stopping the chip comes with the serial chip link.
+    if (!PortGuard()) {
+        return;
+    }
+    SetDownloaderEnabled(false);
+    if (GlobalData::ChipType == 1) {
+        ReportKV10Unavailable();
+    } else if (GlobalData::ChipType == 2 || GlobalData::ChipType == 3) {
+        XSerialDownloader::PowerDownChip();
+    }
+    SetDownloaderEnabled(true);
+    ShowRunState(QStringLiteral("Power is OFF"), QStringLiteral("RESET"));
 }
 
 void frmDownloader::cmdResetCPU_Click() {
-    // Not yet: resetting the chip comes with the serial chip link.
+    if (!PortGuard()) {
+        return;
+    }
+    try {
+        SetDownloaderEnabled(false);
+        if (GlobalData::ChipType == 1) {
+            ReportKV10Unavailable();
+        } else if (GlobalData::ChipType == 2 || GlobalData::ChipType == 3) {
+            XSerialDownloader::ResetChip();
+        }
+        SetDownloaderEnabled(true);
+        ShowRunState(QStringLiteral("Power is ON"), QStringLiteral("RESET"));
+    } catch (...) {
+        TakeCurrentException();
+        SetDownloaderEnabled(true);
+        ErrorDisplay::ShowErrorMessage(
+            QString::number(Err().Number) + QStringLiteral(", ") + Err().Description,
+            QStringLiteral("Reset Error"));
+    }
 }
 
 void frmDownloader::ShowEditorAndOpenProject(const QString& Path, const QString& Name,
@@ -651,22 +753,167 @@ void frmDownloader::CompileAll() {
     CompilerCentral::CompileAll(Success);
 }
 
-void frmDownloader::OpenKVBfile(const QString&) {
-    // Not yet: reading the program image comes with the download.
+void frmDownloader::OpenKVBfile(const QString& Filename) {
+    int32_t FileSizeKVB = 0;
+    OpenKVBfile(Filename, FileSizeKVB);
+}
+
+void frmDownloader::OpenKVBfile(const QString& Filename, int32_t& FileSizeKVB) {
+    FileSizeKVB = 0;
+    if (!Filename.isEmpty()) {
+        GlobalData::DownloadFilename = Filename;
+    } else {
+        FileDialogRequest Request;
+        Request.Title = QStringLiteral("Open Download File");
+        Request.Filter = QStringLiteral("Kavlin Studio Binary Files (*.kvb) | *.kvb");
+        Request.FilterIndex = 1;
+        Request.InitDir = DirectoryCentral::GetWorkPath();
+        QString Chosen;
+        bool Chose = false;
+        try {
+            Chose = FileDialogService::Instance().Show(Request, Chosen);
+        } catch (...) {
+            TakeCurrentException();
+        }
+        if (!Chose || Chosen.isEmpty()) {
+            return;
+        }
+        GlobalData::DownloadFilename = Chosen;
+    }
+    QFile File(GlobalData::DownloadFilename);
+    if (!UtilitiesFilename::FileExists(GlobalData::DownloadFilename) ||
+        !File.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    FileSizeKVB = static_cast<int32_t>(std::min<qint64>(File.size(), INT32_MAX));
+    ShowImageSize(FileSizeKVB);
+    DisplayKVBfilename(GlobalData::DownloadFilename);
+    LoadImage(File, FileSizeKVB);
+    File.close();
+    SetDebugWindowText(QStringLiteral("\r\n*** Opening file: ") + GlobalData::DownloadFilename +
+                       QStringLiteral("\r\n"));
+}
+
+void frmDownloader::ShowImageSize(int32_t FileSizeKVB) {
+    StatusBarPanels[3]->setText(QStringLiteral(" ") + QString::number(FileSizeKVB) +
+                                QStringLiteral(" bytes"));
+}
+
+void frmDownloader::LoadImage(QFile& File, int32_t FileSizeKVB) {
+    switch (GlobalData::ChipType) {
+        case 1:
+            KV10Image = File.read(FileSizeKVB);
+            break;
+        case 2:
+        case 3:
+            XSerialDownloader::ReadProgramImage(File);
+            break;
+        default:
+            break;
+    }
 }
 
 bool frmDownloader::OpenDownloadPort() {
-    // Not yet: the executive opens no port yet, so a batch download reports it as not open.
+    // The port as the settings have it, tried afresh for this batch.
+    DownloadPortExecutive::Initialize();
     return DownloadPortExecutive::DownloadPortIsOpen();
 }
 
 void frmDownloader::DownloadProgram(bool& Success) {
-    // Not yet: the download comes with the serial chip link.
-    Success = false;
+    const QString Filename = GlobalData::DownloadFilename;
+    if (!Filename.isEmpty() && !UtilitiesFilename::FileExists(Filename)) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Missing download file:  ") + Filename,
+                                       QStringLiteral("Missing File"));
+        return;
+    }
+    ClearComError();
+    int32_t FileSizeKVB = 0;
+    QFile File(Filename);
+    const bool FileIsOpen = !Filename.isEmpty() && File.open(QIODevice::ReadOnly);
+    if (FileIsOpen) {
+        FileSizeKVB = static_cast<int32_t>(std::min<qint64>(File.size(), INT32_MAX));
+        ShowImageSize(FileSizeKVB);
+        DisplayKVBfilename(Filename);
+        LoadImage(File, FileSizeKVB);
+        File.close();
+    }
+    SetDebugWindowText(QStringLiteral("\r\n*** Opening file: ") + Filename + QStringLiteral("\r\n"));
+    // Said before the chip is touched, and left standing if the download fails.
+    ShowRunState(QStringLiteral("Power is ON"), QStringLiteral("RESET"));
+    if (!FileIsOpen) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Download file not open"),
+                                       QStringLiteral("File Not Open"));
+        return;
+    }
+    if (Filename.isEmpty()) {
+        return;
+    }
+    bool Reported = false;
+    try {
+        // The configuration sent is always the one beside the image.
+        const QString Stem = Filename.left(Filename.size() - 3);
+        GlobalData::ProjectFilename = Stem + QStringLiteral("kvp");
+        XFileExecutivePRF::PRFfilename = Stem + QStringLiteral("prf");
+        if (FileSizeKVB == 0) {
+            return;
+        }
+        ProgressBar1->setMinimum(0);
+        ProgressBar1->setMaximum(FileSizeKVB);
+        AppendToDebugWindow(QStringLiteral("\r\n*** Downloading File\r\n"));
+        SetDownloaderEnabled(false);
+        bool Downloaded = false;
+        switch (GlobalData::ChipType) {
+            case 1:
+                ReportKV10Unavailable();
+                break;
+            case 2:
+                XSerialDownloader::DownloadKV20(FileSizeKVB, Downloaded);
+                break;
+            case 3:
+                XSerialDownloader::DownloadKV30(FileSizeKVB, Downloaded);
+                break;
+            default:
+                ErrorDisplay::ProbeError(
+                    QStringLiteral("Error_1 in frmDownloader.cmdDownload_Click"));
+                Downloaded = true;
+                break;
+        }
+        if (Downloaded) {
+            SetDownloaderEnabled(true);
+            Success = true;
+            return;
+        }
+        // The downloader has told its failure; the box below follows it with
+        // no error of its own to describe.
+        Err().Clear();
+        Reported = true;
+    } catch (...) {
+        TakeCurrentException();
+        Reported = true;
+    }
+    if (Reported) {
+        Success = false;
+        SetDownloaderEnabled(true);
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Download error:\n") + Err().Description,
+                                       QStringLiteral("Download Error"));
+    }
 }
 
 void frmDownloader::ExecuteProgram() {
-    // Not yet: starting the chip comes with the serial chip link.
+    SetDownloaderEnabled(false);
+    switch (GlobalData::ChipType) {
+        case 1:
+            ReportKV10Unavailable();
+            break;
+        case 2:
+        case 3:
+            XSerialDownloader::ExecuteChip();
+            break;
+        default:
+            break;
+    }
+    SetDownloaderEnabled(true);
+    ShowRunState(QStringLiteral("Power is ON"), QStringLiteral("RUNNING"));
 }
 
 void frmDownloader::UnloadDownloader() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAction>
+#include <QFile>
 #include <QFrame>
 #include <QLabel>
 #include <QMainWindow>
@@ -75,6 +76,14 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void OpenProject(const QString& Path, const QString& Name, const QString& Extension) override;
     void CompileAll() override;
     void OpenKVBfile(const QString& Filename) override;
+    // Loads the image (the file dialog when Filename is empty) and shows its
+    // size and name; FileSizeKVB 0 when nothing was loaded.
+    void OpenKVBfile(const QString& Filename, int32_t& FileSizeKVB);
+    // Download, and on success start the chip.
+    void DownloadAndExecute();
+    // The enable rule: Stop, Run, Reset and Download follow Enable; the
+    // pointer is the hourglass while they are off.
+    void SetDownloaderEnabled(bool Enable);
     bool OpenDownloadPort() override;
     void DownloadProgram(bool& Success) override;
     void ExecuteProgram() override;
@@ -144,6 +153,14 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     bool eventFilter(QObject* Watched, QEvent* Event) override;
 
   private:
+    // Every command on the chip asks first: a port of the wrong kind is
+    // closed, and a closed port is told. False: do nothing more.
+    bool PortGuard();
+    void ShowRunState(const QString& Power, const QString& Run);
+    void ShowImageSize(int32_t FileSizeKVB);
+    // Holds the image as the chip model wants it.
+    void LoadImage(QFile& File, int32_t FileSizeKVB);
+    void ReportKV10Unavailable();
     void BuildMenus();
     void BuildToolBar();
     void BuildStatusBar();
@@ -159,4 +176,6 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     bool Polling = false;
     QString DebugText;
     WindowGeometry Placement;
+    // The KV-10's image, as its programmer takes it.
+    QByteArray KV10Image;
 };

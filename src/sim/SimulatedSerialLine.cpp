@@ -128,8 +128,11 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
     if (RefuseClose) {
         RaiseError(SerialPortErrors::PortNotOpen, QStringLiteral("The port could not be closed"));
     }
-    // Closing drops what is still queued or on its way and lowers DTR: a
-    // closed port receives nothing.
+    // Closing waits until what the host sent has left the wire, as the
+    // system's close of a serial device does; it then drops what is on its
+    // way to the host and lowers DTR: a closed port receives nothing.
+    SleepUntil(HostLineFreeNs);
+    AdvanceTo(std::max(NowNs(), HostLineFreeNs));
     ToChip.clear();
     ToHost.clear();
     InBuffer.clear();
