@@ -11,6 +11,7 @@
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
 #include "editor/frmEditBoxType.h"
+#include "frame/CommandLineInterpreter.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/ExceptionTypes.h"
@@ -22,6 +23,9 @@
 #include "frame/frmAbout.h"
 #include "frame/frmWorkPathDefinition.h"
 #include "link/DownloadPortExecutive.h"
+#include "link/frmDownloadPortParallel.h"
+#include "link/frmDownloadPortSerial.h"
+#include "link/frmDownloader.h"
 #include "platform/FileDialogService.h"
 #include "platform/Global.h"
 #include "project/ProjectType.h"
@@ -662,6 +666,9 @@ void frmSourceEditor::mnuSetWorkingDirectory_Click() {
 }
 
 void frmSourceEditor::mnuCompileAndRun_Click() {
+    if (!CommandLineInterpreter::GetCommandLineMode()) {
+        DownloadPortExecutive::CheckPortMatchesChip();
+    }
     if (!DownloadPortExecutive::DownloadPortIsOpen()) {
         const int Answer =
             ErrorDisplay::AskYesNoCancel(QStringLiteral("Download port is closed\nOpen port now?"),
@@ -669,14 +676,28 @@ void frmSourceEditor::mnuCompileAndRun_Click() {
         if (Answer != 6) {
             return;
         }
-        // Not yet: the port dialogs come with the port executive; the port stays closed.
+        // The chip model alone decides which port it is.
+        if (GlobalData::ChipType == 1) {
+            Global<frmDownloadPortParallel>::Get().exec();
+            Global<frmDownloadPortParallel>::Unload();
+        } else {
+            Global<frmDownloadPortSerial>::Get().exec();
+            Global<frmDownloadPortSerial>::Unload();
+        }
         if (!DownloadPortExecutive::DownloadPortIsOpen()) {
             return;
         }
     }
     bool Success = false;
     CompileProject(Success);
-    // Not yet: the hand-over to the downloader's download and start comes with the download.
+    if (!Success) {
+        return;
+    }
+    // The image's name has been in DownloadFilename since the project opened.
+    frmDownloader& Downloader = Global<frmDownloader>::Get();
+    Downloader.activateWindow();
+    Downloader.raise();
+    Downloader.DownloadAndExecute();
 }
 
 void frmSourceEditor::mnuCompile_Click() {

@@ -15,10 +15,13 @@
 #include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/TwipsConversion.h"
+#include "link/DownloadPortExecutive.h"
 #include "link/frmDownloader.h"
 #include "platform/ClipboardService.h"
 #include "platform/Global.h"
+#include "platform/SerialDevices.h"
 #include "project/ProjectType.h"
+#include "sim/SimulatedSerialLine.h"
 #include "support/QtPrinters.h"
 
 namespace {
@@ -159,6 +162,86 @@ TEST_F(CompileWindowsTest, CompileAndRunWithAClosedPortAndNoCompilesNothing) {
     EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral(
                               "Download port closed|Download port is closed\nOpen port now?")});
     EXPECT_EQ(Calls(), QStringList()) << "neither the installation nor the compile was looked at";
+}
+
+// The simulated chip on port 99 as the download port, the downloader window
+// started as the program starts it.
+class CompileAndRunTest : public CompileWindowsTest {
+  protected:
+    void SetUp() override {
+        CompileWindowsTest::SetUp();
+        SerialDevices::SetDeviceLister([] { return QStringList(); });
+        Line = std::make_shared<SimulatedSerialLine>();
+        SimulatedSerialLine::InstallAsSimulatedChip(Line);
+    }
+    void TearDown() override {
+        DownloadPortExecutive::ClosePorts();
+        CompileWindowsTest::TearDown();
+        SimulatedSerialLine::UninstallSimulatedChip();
+        SerialDevices::SetDeviceLister(nullptr);
+    }
+    // As the program starts: the downloader first, then the editor from it.
+    frmDownloader& StartDownloader() {
+        Global<frmSourceEditor>::Unload();
+        frmDownloader& Downloader = Global<frmDownloader>::Get();
+        Downloader.Form_Load();
+        Downloader.show();
+        Downloader.ToolBarButton(QStringLiteral("Editor"))->trigger();
+        Editor = &Global<frmSourceEditor>::Get();
+        Settle();
+        return Downloader;
+    }
+    std::shared_ptr<SimulatedSerialLine> Line;
+};
+
+TEST_F(CompileAndRunTest, F5CompilesThenDownloadsAndStartsTheChip) {
+    SetSetting(QStringLiteral("Port_Number"), QStringLiteral("99"));
+    SetSetting(QStringLiteral("Port_Mode"), QStringLiteral("Serial"));
+    frmDownloader& Downloader = StartDownloader();
+    ASSERT_TRUE(DownloadPortExecutive::DownloadPortIsOpen());
+    Script("sizes=1000,16,0\n");
+    OpenBlink();
+    Editor->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Editor));
+    QTest::keyClick(Editor, Qt::Key_F5);
+    EXPECT_EQ(BoxTexts(), QStringList());
+    EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 1);
+    const QByteArray Image = WorkFile(QStringLiteral("blink.kvb"));
+    ASSERT_EQ(Image.size(), 1000);
+    const auto& Memory = Line->Chip().ExternalEeprom.Memory;
+    EXPECT_EQ(QByteArray(reinterpret_cast<const char*>(Memory.data()), 1000), Image);
+    EXPECT_FALSE(Line->Chip().InMonitor()) << "the chip runs the new program";
+    EXPECT_EQ(Downloader.StatusBarPanels[1]->text(), QStringLiteral("RUNNING"));
+    EXPECT_TRUE(Downloader.DebugWindowText().contains(QStringLiteral("*** Finished Downloading")));
+}
+
+TEST_F(CompileAndRunTest, AFailedCompileDownloadsNothing) {
+    SetSetting(QStringLiteral("Port_Number"), QStringLiteral("99"));
+    SetSetting(QStringLiteral("Port_Mode"), QStringLiteral("Serial"));
+    StartDownloader();
+    Script("error=2,1,1,3,5,101\ndescription=Syntax error\n");
+    OpenBlink();
+    Line->ForgetHostEvents();
+    Editor->mnuCompileAndRun->trigger();
+    EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 1);
+    EXPECT_EQ(Line->SentBytes(), QByteArray()) << "the chip was not touched";
+}
+
+TEST_F(CompileAndRunTest, YesToTheClosedPortShowsTheSerialPortDialogAndAPortStillClosedEndsIt) {
+    StartDownloader();
+    ASSERT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
+    OpenBlink();
+    Boxes->QueueAnswer(6);
+    QString Shown;
+    QTimer::singleShot(0, Editor, [&Shown] {
+        if (QWidget* Dialog = QApplication::activeModalWidget()) {
+            Shown = Dialog->objectName();
+            Dialog->close();
+        }
+    });
+    Editor->mnuCompileAndRun->trigger();
+    EXPECT_EQ(Shown, QStringLiteral("frmDownloadPortSerial"));
+    EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 0);
 }
 
 TEST_F(CompileWindowsTest, AnErrorInTheSecondModuleBringsItsWindowAndTabToTheFront) {

@@ -121,7 +121,7 @@ TEST_F(DownloadWindowTest, DownloadButtonPutsTheImageAndTheBlockIntoTheChipAndGi
     EXPECT_EQ(External(1000), Expected);
     EXPECT_EQ(Internal(32), AsBytes(ExpectedBlock(Image)));
     EXPECT_TRUE(Line->Chip().InMonitor()) << "a download leaves the chip halted";
-    EXPECT_TRUE(Line->PortOpen()) << "the monitor port has the line again";
+    EXPECT_TRUE(Window.comMonitorPort->PortOpen()) << "the monitor port has the line again";
     EXPECT_FALSE(Window.KavlinControl1->PortOpen());
     EXPECT_FALSE(XSerialDownloader::GetMonitorWasOpen());
     EXPECT_TRUE(Window.DebugWindowText().startsWith(
@@ -165,7 +165,7 @@ TEST_F(DownloadWindowTest, DownloadAndExecuteStartsTheChipAndTheMonitorShowsWhat
     EXPECT_EQ(Line->Chip().ResetCount, ResetsBefore + 1);
     EXPECT_EQ(Panel(Window, 1), QStringLiteral("Power is ON"));
     EXPECT_EQ(Panel(Window, 2), QStringLiteral("RUNNING"));
-    ASSERT_TRUE(Line->PortOpen());
+    ASSERT_TRUE(Window.comMonitorPort->PortOpen());
     Line->ProgramPrints("LED on\r");
     Clock->NowMs += 5;
     ASSERT_TRUE(QMetaObject::invokeMethod(Window.tmrSerialInputPoller, "timeout"));
@@ -225,6 +225,7 @@ TEST_F(DownloadWindowTest, ChipThatDoesNotAnswerGivesBothBoxesAndTheMonitorStays
     EXPECT_EQ(Boxes->Boxes[1].Text, QStringLiteral("Download error:\n"));
     EXPECT_EQ(Boxes->Boxes[1].Title, QStringLiteral("Download Error"));
     EXPECT_TRUE(XSerialDownloader::GetMonitorWasOpen());
+    EXPECT_FALSE(Window.comMonitorPort->PortOpen()) << "the monitor port stays closed";
     EXPECT_TRUE(Window.KavlinControl1->PortOpen()) << "the download port stays open";
     EXPECT_TRUE(Window.ToolBarButton(QStringLiteral("Download"))->isEnabled());
     // The chip answers again: the next download goes on from there and gives
@@ -234,7 +235,7 @@ TEST_F(DownloadWindowTest, ChipThatDoesNotAnswerGivesBothBoxesAndTheMonitorStays
     Window.DownloadProgram(Success);
     EXPECT_TRUE(Success);
     EXPECT_EQ(BoxTexts(), QStringList());
-    EXPECT_TRUE(Line->PortOpen());
+    EXPECT_TRUE(Window.comMonitorPort->PortOpen());
     EXPECT_FALSE(XSerialDownloader::GetMonitorWasOpen());
 }
 
@@ -417,9 +418,11 @@ TEST_F(DownloadWindowTest, CommandButtonsAreOffWhileTheDownloadRunsAndOpenStaysO
 }
 
 TEST_F(DownloadWindowTest, FullSizeImageMeetsTheUnreadLastBlockAndIsReportedAsAVerifyError) {
-    // The read-back takes whole blocks while one is left and then a last
-    // look; an image that fills the EEPROM leaves nothing for that look, and
-    // the last block is never read back.
+    // The read-back takes whole 128-byte blocks while one is left, each
+    // block's answer still on its way when the next is asked for, and then
+    // has a last look only when a shorter rest is left. An image of whole
+    // blocks, as one that fills the EEPROM, never gets its last block read
+    // back: the chip holds the image, and the user is told it does not.
     const QString Image = WriteProgram(32768);
     frmDownloader& Window = Load();
     int32_t Size = 0;
@@ -432,10 +435,22 @@ TEST_F(DownloadWindowTest, FullSizeImageMeetsTheUnreadLastBlockAndIsReportedAsAV
     EXPECT_EQ(BoxTexts(), Expected);
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Verify Error"));
     EXPECT_EQ(Window.KavlinControl1->txtStatus->text(), QStringLiteral("Verify Error"));
-    // The chip holds the whole image all the same.
     QFile Written(Image);
     ASSERT_TRUE(Written.open(QIODevice::ReadOnly));
     EXPECT_EQ(External(32768), Written.readAll());
+    EXPECT_FALSE(Window.comMonitorPort->PortOpen()) << "a failed download keeps it closed";
+}
+
+TEST_F(DownloadWindowTest, ImageOneByteShortOfFullHasItsLastLookAndVerifies) {
+    const QString Image = WriteProgram(32767);
+    frmDownloader& Window = Load();
+    int32_t Size = 0;
+    Window.OpenKVBfile(Image, Size);
+    bool Success = false;
+    Window.DownloadProgram(Success);
+    EXPECT_TRUE(Success);
+    EXPECT_EQ(BoxTexts(), QStringList());
+    EXPECT_EQ(Window.KavlinControl1->txtStatus->text(), QStringLiteral("EEprom Write Successful"));
 }
 
 TEST_F(DownloadWindowTest, RescueMenuRunsTheRescueThroughThePortGuard) {
