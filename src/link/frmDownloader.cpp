@@ -129,6 +129,11 @@ frmDownloader::frmDownloader() {
     Layout->addWidget(fraComDataError);
     Layout->addWidget(KavlinControl1);
     setCentralWidget(Central);
+    // The text box follows the window down to an inner area of 4000 by 4000
+    // twips; the window goes no smaller, so the box is never left behind at
+    // a size the window no longer has.
+    Central->setMinimumSize(TwipsConversion::TwipsToPixelsX(4000),
+                            TwipsConversion::TwipsToPixelsY(4000));
     BuildMenus();
     BuildToolBar();
     BuildStatusBar();

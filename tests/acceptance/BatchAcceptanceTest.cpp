@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -40,10 +43,11 @@ class BatchAcceptance : public ::testing::Test {
         WriteSettings(Install);
     }
 
-    void WriteSettings(const QString& RunDir) {
+    void WriteSettings(const QString& RunDir, const QByteArray& More = QByteArray()) {
         QFile Conf(Config + QStringLiteral("/Kavlin/Kavlin.conf"));
         ASSERT_TRUE(Conf.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        Conf.write("[Config]\nWork_Dir=" + Work.toUtf8() + "\nRun_Dir=" + RunDir.toUtf8() + "\n");
+        Conf.write("[Config]\nWork_Dir=" + Work.toUtf8() + "\nRun_Dir=" + RunDir.toUtf8() + "\n" +
+                   More);
     }
 
     // The project's files go to another folder, which becomes the work path.
@@ -72,6 +76,11 @@ class BatchAcceptance : public ::testing::Test {
         Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
         Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
         Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), Runtime);
+        // The simulated chip keeps its memories under the user's data folder.
+        Environment.insert(QStringLiteral("XDG_DATA_HOME"), Root.filePath(QStringLiteral("data")));
+        for (auto It = ExtraEnvironment.cbegin(); It != ExtraEnvironment.cend(); ++It) {
+            Environment.insert(It.key(), It.value());
+        }
         Environment.insert(QStringLiteral("KVCOMP_TEST_SCRIPT"),
                            Root.filePath(QStringLiteral("script.txt")));
         Environment.insert(QStringLiteral("KVCOMP_TEST_RECORD"),
@@ -114,6 +123,7 @@ class BatchAcceptance : public ::testing::Test {
         return Lines;
     }
 
+    QMap<QString, QString> ExtraEnvironment;
     QTemporaryDir Root;
     QString Work;
     QString Install;
@@ -434,6 +444,44 @@ TEST_F(BatchAcceptance, SettingsTheBatchDidNotChangeKeepTheirBytes) {
     // The window geometry was stored, and the rest is as it was.
     EXPECT_TRUE(After.startsWith(Stored)) << After.toStdString();
     EXPECT_TRUE(After.contains("Main_Top=200"));
+}
+
+TEST_F(BatchAcceptance, CompileAndDownloadToTheSimulatedChipLogsDownloadedOkAndDone) {
+    ASSERT_TRUE(PrfImageBuilder()
+                    .AllPins(kvInputTristate)
+                    .DefaultValues(2)
+                    .Save(Work + QStringLiteral("/blink.prf")));
+    WriteSettings(Install, "Port_Number=99\nPort_Mode=Serial\n");
+    Script("sizes=1000,40,0\n");
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d")}), 0);
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /c /d"), QString(),
+                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+                           QStringLiteral("Download: ") + Work + QStringLiteral("/blink.kvb"),
+                           QStringLiteral("Program downloaded OK"), QStringLiteral("Done.")}));
+    EXPECT_EQ(QFileInfo(Work + QStringLiteral("/blink.kvb")).size(), 1000);
+}
+
+TEST_F(BatchAcceptance, DownloadToAPortWithNothingBehindItLogsTheHaltErrorAndDone) {
+    // A pseudo-terminal whose far end nobody answers, as a cable with no chip.
+    int Master = -1;
+    int Slave = -1;
+    char Name[128] = {};
+    if (::openpty(&Master, &Slave, Name, nullptr, nullptr) != 0) {
+        GTEST_SKIP() << "no pseudo-terminals on this machine";
+    }
+    ::close(Slave);
+    ExtraEnvironment.insert(QStringLiteral("KAVLIN_SERIAL_PORTS"), QString::fromLocal8Bit(Name));
+    WriteSettings(Install, "Port_Number=1\nPort_Mode=Serial\n");
+    Touch(Work + QStringLiteral("/blink.kvb"), QByteArray(100, '\x55'));
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/d")}), 0);
+    ::close(Master);
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
+                           QStringLiteral("Download: ") + Work + QStringLiteral("/blink.kvb"),
+                           QStringLiteral("Error halting processor"),
+                           QStringLiteral("Download error:"), QString(),
+                           QStringLiteral("Error downloading program"), QStringLiteral("Done.")}));
 }
 
 }  // namespace

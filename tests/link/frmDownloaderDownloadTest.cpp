@@ -5,6 +5,7 @@
 #include "chip/ConfigurationBytes.h"
 #include "chip/PrfImageBuilder.h"
 #include "frame/GlobalData.h"
+#include "frame/TwipsConversion.h"
 #include "frame/frmSplash.h"
 #include "link/DownloadPortExecutive.h"
 #include "link/DownloadPortFixture.h"
@@ -469,6 +470,24 @@ TEST_F(DownloadWindowTest, AtnDiagnosticOnAKv10IsRefusedWithItsBox) {
     ASSERT_EQ(Boxes->Boxes.size(), 1);
     EXPECT_EQ(Boxes->Boxes[0].Text, QStringLiteral("ATN diagnostic requires KV-20 or KV-30"));
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Processor Type Error"));
+}
+
+TEST_F(DownloadWindowTest, TheTextBoxFollowsTheWindowAndTheWindowStopsAt4000TwipsInside) {
+    frmDownloader& Window = Load();
+    Window.resize(900, 700);
+    QTest::qWait(20);
+    const int Wide = Window.txtDebugWindow->width();
+    EXPECT_EQ(Wide, Window.centralWidget()->width());
+    Window.resize(1100, 800);
+    QTest::qWait(20);
+    EXPECT_EQ(Window.txtDebugWindow->width(), Wide + 200);
+    EXPECT_GT(Window.txtDebugWindow->height(), 0);
+    // Asked to go very small, the inner area stays 4000 twips each way.
+    Window.resize(50, 50);
+    QTest::qWait(20);
+    EXPECT_GE(Window.centralWidget()->width(), TwipsConversion::TwipsToPixelsX(4000));
+    EXPECT_GE(Window.centralWidget()->height(), TwipsConversion::TwipsToPixelsY(4000));
+    EXPECT_EQ(Window.txtDebugWindow->width(), Window.centralWidget()->width());
 }
 
 }  // namespace
