@@ -1,5 +1,7 @@
 #include <QFile>
+#include <QProgressBar>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include "chip/ConfigurationBytes.h"
@@ -488,6 +490,96 @@ TEST_F(DownloadWindowTest, TheTextBoxFollowsTheWindowAndTheWindowStopsAt4000Twip
     EXPECT_GE(Window.centralWidget()->width(), TwipsConversion::TwipsToPixelsX(4000));
     EXPECT_GE(Window.centralWidget()->height(), TwipsConversion::TwipsToPixelsY(4000));
     EXPECT_EQ(Window.txtDebugWindow->width(), Window.centralWidget()->width());
+}
+
+TEST_F(DownloadWindowTest, TheChipHoldsTheBlockOfItsModelForEachPreferenceFile) {
+    frmDownloader& Window = Load();
+    struct Case {
+        int Chip;
+        PinStateTypes All;
+        QList<QPair<int, PinStateTypes>> Pins;
+    };
+    const QList<Case> Cases{
+        {2, kvInputTristate, {}},
+        {2, kvOutputHigh, {{20, kvOutputLow}, {13, kvInputPullup}, {25, kvOutputHigh}}},
+        {2, kvInputPullup, {{5, kvOutputLow}, {26, kvInputTristate}, {27, kvOutputLow}}},
+        {3, kvInputTristate, {}},
+        {3, kvOutputLow, {{1, kvOutputHigh}, {17, kvInputPullup}, {33, kvInputTristate}}},
+    };
+    int Number = 0;
+    for (const Case& Each : Cases) {
+        const QString Name = QStringLiteral("case%1").arg(++Number);
+        PrfImageBuilder Prf;
+        Prf.AllPins(Each.All).DefaultValues(Each.Chip);
+        for (const auto& [Pin, State] : Each.Pins) {
+            Prf.Pin(Pin, State);
+        }
+        ASSERT_TRUE(Prf.Save(TempPath() + QLatin1Char('/') + Name + QStringLiteral(".prf")));
+        QByteArray Image(200 + Number, static_cast<char>(0x30 + Number));
+        const QString File = WriteFile(Name + QStringLiteral(".kvb"), Image);
+        GlobalData::ChipType = static_cast<int16_t>(Each.Chip);
+        int32_t Size = 0;
+        Window.OpenKVBfile(File, Size);
+        bool Success = false;
+        Window.DownloadProgram(Success);
+        ASSERT_TRUE(Success) << Name.toStdString();
+        ConfigurationBytes::RegisterArray Registers{};
+        GlobalData::ProjectFilename = TempPath() + QLatin1Char('/') + Name + QStringLiteral(".kvp");
+        if (Each.Chip == 2) {
+            ConfigurationBytes::ConfigureKV20(Registers);
+        }
+        else {
+            ConfigurationBytes::ConfigureKV30(Registers);
+        }
+        const auto Block = Each.Chip == 2 ? ConfigurationBytes::BlockKV20(Registers)
+                                          : ConfigurationBytes::BlockKV30(Registers);
+        EXPECT_EQ(Internal(32), AsBytes(Block)) << Name.toStdString();
+        EXPECT_EQ(External(Image.size()), Image) << Name.toStdString();
+        if (Each.Chip == 2) {
+            // What every KV-20 block carries, whatever the pins.
+            const QByteArray Held = Internal(32);
+            EXPECT_TRUE(Held[0] & 0x02) << Name.toStdString();
+            EXPECT_TRUE(Held[1] & 0x02) << Name.toStdString();
+            EXPECT_TRUE(Held[1] & 0x04) << Name.toStdString();
+            EXPECT_EQ(static_cast<uint8_t>(Held[6]) >> 4, 0xB) << Name.toStdString();
+            EXPECT_EQ(static_cast<uint8_t>(Held[7]) >> 4, 0xB) << Name.toStdString();
+        }
+    }
+    EXPECT_EQ(BoxTexts(), QStringList());
+}
+
+TEST_F(DownloadWindowTest, TheProgressBarMovesPageByPageAndTheWindowStaysAlive) {
+    const QString Image = WriteProgram(4000);
+    frmDownloader& Window = Load();
+    int32_t Size = 0;
+    Window.OpenKVBfile(Image, Size);
+    QList<int> Values;
+    bool Visible = false;
+    int TimerTicks = 0;
+    QTimer Alive;
+    QObject::connect(&Alive, &QTimer::timeout, [&] { ++TimerTicks; });
+    Alive.start(0);
+    Clock->OnSleep = [&](int64_t) {
+        QProgressBar* Bar = Window.KavlinControl1->PBar;
+        Visible = Visible || Bar->isVisible();
+        if (Bar->isVisible() && (Values.isEmpty() || Values.last() != Bar->value())) {
+            Values << Bar->value();
+        }
+    };
+    Click(Window, QStringLiteral("Download"));
+    Clock->OnSleep = nullptr;
+    Alive.stop();
+    EXPECT_TRUE(Visible);
+    // The write goes through the 63 pages and the read-back through its 32
+    // blocks: the bar rises through each, twice over.
+    EXPECT_GE(Values.size(), 60);
+    int Falls = 0;
+    for (int Index = 1; Index < Values.size(); ++Index) {
+        Falls += Values[Index] < Values[Index - 1] ? 1 : 0;
+    }
+    EXPECT_LE(Falls, 2) << "from the write to the read-back, and back to the start";
+    EXPECT_GT(TimerTicks, 100) << "the window's events ran all through the download";
+    EXPECT_FALSE(Window.KavlinControl1->PBar->isVisible());
 }
 
 }  // namespace
