@@ -12,9 +12,9 @@
 
 namespace {
 
-// A user's machine in a temporary folder: its own settings folder, a work
-// path with projects, an install directory. The program runs as a process
-// with no display.
+// A user's machine in a temporary folder: its own settings and data folders,
+// a work path with projects, an install directory. The program runs as a
+// process with no display.
 class BatchAcceptance : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -23,6 +23,7 @@ class BatchAcceptance : public ::testing::Test {
         Install = Root.filePath(QStringLiteral("install"));
         Config = Root.filePath(QStringLiteral("config"));
         Runtime = Root.filePath(QStringLiteral("runtime"));
+        Data = Root.filePath(QStringLiteral("data"));
         for (const QString& Dir :
              {Work, Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
               Install + QStringLiteral("/BinKV20"), Config + QStringLiteral("/Kavlin"), Runtime}) {
@@ -72,6 +73,7 @@ class BatchAcceptance : public ::testing::Test {
         Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
         Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
         Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), Runtime);
+        Environment.insert(QStringLiteral("XDG_DATA_HOME"), Data);
         Environment.insert(QStringLiteral("KVCOMP_TEST_SCRIPT"),
                            Root.filePath(QStringLiteral("script.txt")));
         Environment.insert(QStringLiteral("KVCOMP_TEST_RECORD"),
@@ -119,6 +121,7 @@ class BatchAcceptance : public ::testing::Test {
     QString Install;
     QString Config;
     QString Runtime;
+    QString Data;
     QString StandardError;
 };
 
