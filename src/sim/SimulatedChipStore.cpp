@@ -48,28 +48,33 @@ QByteArray SimulatedChipStore::Load(Eeprom Which) {
         Write(Which, Erased);
         return Erased;
     }
-    const QString Rest = QStringLiteral(
-        "; the chip starts with that EEPROM erased, and the file is "
-        "written again at its next change");
-    QFile File(Filename);
-    if (!Info.isFile() || !File.open(QIODevice::ReadOnly)) {
-        const QString Cause =
-            Info.isFile() ? File.errorString() : QStringLiteral("not a regular file");
-        Tell(TheFile(Filename) + QStringLiteral(" cannot be read (") + Cause + QLatin1Char(')') +
-             Rest);
+    // This run goes on with an erased memory, and the file stays as it is
+    // until the memory changes.
+    const auto StartErased = [&Filename, &Erased](const QString& Why) {
+        Tell(TheFile(Filename) + Why +
+             QStringLiteral("; the chip starts with that EEPROM erased, and the file is written "
+                            "again at its next change"));
         return Erased;
+    };
+    const auto CannotBeRead = [&StartErased](const QString& Cause) {
+        return StartErased(QStringLiteral(" cannot be read (") + Cause + QLatin1Char(')'));
+    };
+    if (!Info.isFile()) {
+        return CannotBeRead(QStringLiteral("not a regular file"));
+    }
+    QFile File(Filename);
+    if (!File.open(QIODevice::ReadOnly)) {
+        return CannotBeRead(File.errorString());
     }
     // One byte more than the memory tells a file that is too long.
     const QByteArray Bytes = File.read(Size + 1);
     if (File.error() != QFileDevice::NoError) {
-        Tell(TheFile(Filename) + QStringLiteral(" cannot be read (") + File.errorString() +
-             QLatin1Char(')') + Rest);
-        return Erased;
+        return CannotBeRead(File.errorString());
     }
     if (Bytes.size() != Size) {
-        Tell(TheFile(Filename) + QStringLiteral(" holds ") + QString::number(File.size()) +
-             QStringLiteral(" bytes, not ") + QString::number(Size) + Rest);
-        return Erased;
+        return StartErased(QStringLiteral(" holds ") + QString::number(File.size()) +
+                           (File.size() == 1 ? QStringLiteral(" byte") : QStringLiteral(" bytes")) +
+                           QStringLiteral(", not ") + QString::number(Size));
     }
     return Bytes;
 }

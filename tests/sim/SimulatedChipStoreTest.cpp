@@ -370,6 +370,15 @@ TEST_F(SimulatedChipStoreTest, FileOfTheWrongSizeIsAnErasedMemoryUntilItsNextCha
     Expected[3] = 0x42;
     EXPECT_EQ(FileBytes(SimulatedChipStore::Internal), Expected);
     EXPECT_EQ(Warnings.Texts().size(), 1);
+    // A byte too many is as wrong as too few.
+    PutFile(FileOf(SimulatedChipStore::External), Pattern(32769, 9));
+    PowerUp();
+    EXPECT_EQ(MemoryOf(Chip(), SimulatedChipStore::External), Erased(SimulatedChipStore::External));
+    EXPECT_EQ(MemoryOf(Chip(), SimulatedChipStore::Internal), Expected);
+    ASSERT_EQ(Warnings.Texts().size(), 2);
+    EXPECT_TRUE(Warnings.Texts()[1].contains(FileOf(SimulatedChipStore::External)));
+    EXPECT_TRUE(Warnings.Texts()[1].contains(QStringLiteral("32769 bytes, not 32768")))
+        << Warnings.Texts()[1].toStdString();
 }
 
 TEST_F(SimulatedChipStoreTest, FileThatCannotBeReadIsAnErasedMemoryToldOnce) {
