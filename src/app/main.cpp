@@ -13,6 +13,7 @@
 #include "platform/QtFileDialogService.h"
 #include "platform/QtMessageBoxService.h"
 #include "project/ProjectType.h"
+#include "sim/SimulatedChipStore.h"
 #include "sim/SimulatedSerialLine.h"
 
 namespace {
@@ -77,7 +78,10 @@ int main(int argc, char** argv) {
     CompilerCentral::RegisterWithFrame();
     ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
     // The "simulated chip" port entry: the whole system runs without hardware.
+    // Its EEPROMs outlive the run as a real chip's do, in the user's data folder.
     const auto SimulatedChip = std::make_shared<SimulatedSerialLine>();
+    SimulatedChip->Chip().KeepEepromsIn(
+        std::make_unique<SimulatedChipStore>(SimulatedChipStore::DefaultFolder()));
     SimulatedSerialLine::InstallAsSimulatedChip(SimulatedChip);
 
     frmDownloader& Downloader = Global<frmDownloader>::Get();

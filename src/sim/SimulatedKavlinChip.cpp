@@ -1,5 +1,7 @@
 #include "sim/SimulatedKavlinChip.h"
 
+#include <algorithm>
+
 namespace {
 // Takes one use of a fault count; -1 never runs out.
 bool Take(int& Count) {
@@ -17,6 +19,50 @@ uint8_t Checksum(uint8_t Sum) { return static_cast<uint8_t>(-Sum); }
 
 SimulatedKavlinChip::SimulatedKavlinChip()
     : Ram(RamSize, 0), InternalEeprom(InternalEepromSize, 0xFF) {}
+
+SimulatedKavlinChip::~SimulatedKavlinChip() {
+    // No later save follows, so the time of a retry does not matter.
+    SaveEeproms(0);
+}
+
+void SimulatedKavlinChip::KeepEepromsIn(std::unique_ptr<SimulatedChipStore> Store) {
+    Store_ = std::move(Store);
+    const QByteArray Internal = Store_->Load(SimulatedChipStore::Internal);
+    std::copy(Internal.begin(), Internal.end(), InternalEeprom.begin());
+    const QByteArray External = Store_->Load(SimulatedChipStore::External);
+    std::copy(External.begin(), External.end(), ExternalEeprom.Memory.begin());
+}
+
+void SimulatedKavlinChip::Changed(SimulatedChipStore::Eeprom Which, int64_t Ns) {
+    if (Store_) {
+        Store_->Changed(Which, Ns);
+    }
+}
+
+void SimulatedKavlinChip::LineTimeIs(int64_t Ns) {
+    if (Store_ && Store_->SaveDue(Ns)) {
+        SaveEeproms(Ns);
+    }
+}
+
+void SimulatedKavlinChip::SaveEeproms(int64_t Ns) {
+    if (!Store_) {
+        return;
+    }
+    Store_->Save(SimulatedChipStore::Internal,
+                 QByteArrayView(InternalEeprom.data(), InternalEeprom.size()), Ns);
+    Store_->Save(SimulatedChipStore::External,
+                 QByteArrayView(ExternalEeprom.Memory.data(), ExternalEeprom.Memory.size()), Ns);
+}
+
+void SimulatedKavlinChip::DeselectExternalEeprom(int64_t Ns) {
+    // A page write lands when chip select rises.
+    const int Before = ExternalEeprom.ChangingWrites;
+    ExternalEeprom.Deselect(Ns);
+    if (ExternalEeprom.ChangingWrites != Before) {
+        Changed(SimulatedChipStore::External, Ns);
+    }
+}
 
 void SimulatedKavlinChip::Reply(QByteArray Bytes, int64_t Ns, bool HasChecksum) {
     if (Faults.Silent) {
@@ -57,9 +103,11 @@ void SimulatedKavlinChip::EnterMonitor() {
     State = Expect::Command;
 }
 
-void SimulatedKavlinChip::LeaveMonitor() {
+void SimulatedKavlinChip::LeaveMonitor(int64_t Ns) {
     InMonitor_ = false;
     State = Expect::Command;
+    // The host has let the chip go: what it wrote is kept now.
+    SaveEeproms(Ns);
 }
 
 void SimulatedKavlinChip::SetAtn(bool Level, int64_t Ns) {
@@ -76,13 +124,14 @@ void SimulatedKavlinChip::SetAtn(bool Level, int64_t Ns) {
 
 void SimulatedKavlinChip::PressReset(int64_t Ns) {
     if (ExternalEeprom.Selected()) {
-        ExternalEeprom.Deselect(Ns);
+        DeselectExternalEeprom(Ns);
     }
-    LeaveMonitor();
+    LeaveMonitor(Ns);
     StartupUntilNs = Ns + StartupWindowNs;
 }
 
 void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
+    LineTimeIs(Ns);
     if (!InMonitor_) {
         if (PcLinkProgram && Byte == 0x01) {
             EnterMonitor();
@@ -115,7 +164,11 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
             }
             return;
         case Expect::WriteEepromData: {
-            InternalEeprom[Address % InternalEepromSize] = Byte;
+            uint8_t& Cell = InternalEeprom[Address % InternalEepromSize];
+            if (Cell != Byte) {
+                Cell = Byte;
+                Changed(SimulatedChipStore::Internal, Ns);
+            }
             Address = static_cast<uint16_t>(Address + 1);
             Sum = static_cast<uint8_t>(Sum + Byte);
             // Each byte is acknowledged; the last one's acknowledgement has
@@ -147,7 +200,7 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
         case Expect::LeaveCode:
             if (Byte == 0x00) {
                 ++ContinueCount;
-                LeaveMonitor();
+                LeaveMonitor(Ns);
             } else if (Byte == 0xD6) {
                 State = Expect::ResetEnd;
             } else {
@@ -157,7 +210,7 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
         case Expect::ResetEnd:
             if (Byte == 0x00) {
                 ++ResetCount;
-                LeaveMonitor();
+                LeaveMonitor(Ns);
                 StartupUntilNs = Ns + StartupWindowNs;
             } else {
                 State = Expect::Command;
@@ -169,7 +222,7 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
 void SimulatedKavlinChip::CommandByte(uint8_t Byte, int64_t Ns) {
     if (Byte != 0x80 && ExternalEeprom.Selected()) {
         // Any other byte in command position ends an EEPROM transfer.
-        ExternalEeprom.Deselect(Ns);
+        DeselectExternalEeprom(Ns);
     }
     switch (Byte) {
         case 0x01:

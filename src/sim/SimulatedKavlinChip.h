@@ -3,8 +3,10 @@
 #include <QByteArray>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
+#include "sim/SimulatedChipStore.h"
 #include "sim/SimulatedSpiEeprom.h"
 
 // What can be made to go wrong with the simulated chip's answers. A count
@@ -37,6 +39,23 @@ class SimulatedKavlinChip {
     using ReplySink = std::function<void(const QByteArray& Bytes, int64_t StartNs)>;
 
     SimulatedKavlinChip();
+    // What is not yet in the store's files is written now.
+    ~SimulatedKavlinChip();
+    SimulatedKavlinChip(const SimulatedKavlinChip&) = delete;
+    SimulatedKavlinChip& operator=(const SimulatedKavlinChip&) = delete;
+
+    // From now on the two EEPROMs are kept in the store's files: they take
+    // what the files hold (the program of an earlier run), and their changes
+    // are written back as the store's rule says. Without a store they live in
+    // memory alone and start erased.
+    void KeepEepromsIn(std::unique_ptr<SimulatedChipStore> Store);
+    const SimulatedChipStore* Store() const { return Store_.get(); }
+    // The line's time has come to Ns: a change left unsaved long enough is
+    // written now.
+    void LineTimeIs(int64_t Ns);
+    // Every change of the EEPROMs not yet in the store's files is written
+    // now; the line calls it when the host's port closes.
+    void SaveEeproms(int64_t Ns);
 
     void SetReplySink(ReplySink Sink) { Sink_ = std::move(Sink); }
     void Receive(uint8_t Byte, int64_t Ns);
@@ -93,9 +112,12 @@ class SimulatedKavlinChip {
     void CommandByte(uint8_t Byte, int64_t Ns);
     void BlockHeaderDone(int64_t Ns);
     void EnterMonitor();
-    void LeaveMonitor();
+    void LeaveMonitor(int64_t Ns);
+    void DeselectExternalEeprom(int64_t Ns);
+    void Changed(SimulatedChipStore::Eeprom Which, int64_t Ns);
 
     ReplySink Sink_;
+    std::unique_ptr<SimulatedChipStore> Store_;
     bool InMonitor_ = false;
     bool AtnLevel_ = false;
     int64_t StartupUntilNs = -1;

@@ -91,6 +91,7 @@ void SimulatedSerialLine::AdvanceTo(int64_t Ns) {
         ProcessNextEvent();
     }
     LineNs = std::max(LineNs, Ns);
+    Chip_->LineTimeIs(LineNs);
 }
 
 void SimulatedSerialLine::SleepUntil(int64_t Ns) {
@@ -140,6 +141,8 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
     Open = false;
     Record(HostEvent::Close);
     DriveAtn(false, LineNs);
+    // The host is done with the chip for now: its EEPROMs are kept.
+    Chip_->SaveEeproms(LineNs);
 }
 
 void SimulatedSerialLine::Output(const QByteArray& Bytes) {
@@ -229,6 +232,7 @@ void SimulatedSerialLine::WaitForInput(int32_t Count, int64_t MaxMicroseconds) {
         }
     }
     LineNs = std::max(LineNs, Reached);
+    Chip_->LineTimeIs(LineNs);
     SleepUntil(Reached);
 }
 

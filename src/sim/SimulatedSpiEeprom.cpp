@@ -135,14 +135,18 @@ void SimulatedSpiEeprom::Deselect(int64_t Ns) {
                 WriteEnableLatch_ = false;
                 break;
             }
+            bool Changed = false;
             for (int Offset = 0; Offset < PageSize; ++Offset) {
                 if (PageBuffer[Offset] >= 0) {
-                    Memory[PageBase + Offset] = static_cast<uint8_t>(PageBuffer[Offset]);
+                    const auto Value = static_cast<uint8_t>(PageBuffer[Offset]);
+                    Changed = Changed || Memory[PageBase + Offset] != Value;
+                    Memory[PageBase + Offset] = Value;
                 }
             }
             WriteEnableLatch_ = false;
             BusyUntilNs = Ns + WriteCycleNs;
             ++CompletedWrites;
+            ChangingWrites += Changed ? 1 : 0;
             break;
         }
         default:

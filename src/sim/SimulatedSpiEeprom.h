@@ -37,6 +37,9 @@ class SimulatedSpiEeprom {
     // those it carried out.
     int RefusedWrites = 0;
     int CompletedWrites = 0;
+    // Completed page writes that changed at least one byte of Memory; a page
+    // written with the bytes it already held leaves this as it was.
+    int ChangingWrites = 0;
 
   private:
     bool Protected(uint16_t Address) const;

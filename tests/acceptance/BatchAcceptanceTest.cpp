@@ -15,9 +15,9 @@
 
 namespace {
 
-// A user's machine in a temporary folder: its own settings folder, a work
-// path with projects, an install directory. The program runs as a process
-// with no display.
+// A user's machine in a temporary folder: its own settings and data folders,
+// a work path with projects, an install directory. The program runs as a
+// process with no display.
 class BatchAcceptance : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -26,6 +26,7 @@ class BatchAcceptance : public ::testing::Test {
         Install = Root.filePath(QStringLiteral("install"));
         Config = Root.filePath(QStringLiteral("config"));
         Runtime = Root.filePath(QStringLiteral("runtime"));
+        Data = Root.filePath(QStringLiteral("data"));
         for (const QString& Dir :
              {Work, Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
               Install + QStringLiteral("/BinKV20"), Config + QStringLiteral("/Kavlin"), Runtime}) {
@@ -77,7 +78,7 @@ class BatchAcceptance : public ::testing::Test {
         Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
         Environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), Runtime);
         // The simulated chip keeps its memories under the user's data folder.
-        Environment.insert(QStringLiteral("XDG_DATA_HOME"), Root.filePath(QStringLiteral("data")));
+        Environment.insert(QStringLiteral("XDG_DATA_HOME"), Data);
         for (auto It = ExtraEnvironment.cbegin(); It != ExtraEnvironment.cend(); ++It) {
             Environment.insert(It.key(), It.value());
         }
@@ -129,6 +130,7 @@ class BatchAcceptance : public ::testing::Test {
     QString Install;
     QString Config;
     QString Runtime;
+    QString Data;
     QString StandardError;
 };
 
@@ -459,7 +461,32 @@ TEST_F(BatchAcceptance, CompileAndDownloadToTheSimulatedChipLogsDownloadedOkAndD
                            QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
                            QStringLiteral("Download: ") + Work + QStringLiteral("/blink.kvb"),
                            QStringLiteral("Program downloaded OK"), QStringLiteral("Done.")}));
-    EXPECT_EQ(QFileInfo(Work + QStringLiteral("/blink.kvb")).size(), 1000);
+    // The simulated chip's memories, as it keeps them between runs: the image
+    // at address 0 of the external EEPROM, the KV-20 block of a preference
+    // file with every pin an input at address 0 of the internal one, the
+    // rest erased.
+    QFile Image(Work + QStringLiteral("/blink.kvb"));
+    ASSERT_TRUE(Image.open(QIODevice::ReadOnly));
+    const QByteArray Program = Image.readAll();
+    ASSERT_EQ(Program.size(), 1000);
+    QFile External(Data + QStringLiteral("/Kavlin/SimulatedChip/external-eeprom.bin"));
+    ASSERT_TRUE(External.open(QIODevice::ReadOnly));
+    const QByteArray ExternalBytes = External.readAll();
+    ASSERT_EQ(ExternalBytes.size(), 32768);
+    EXPECT_EQ(ExternalBytes.left(1000), Program);
+    EXPECT_EQ(ExternalBytes.mid(1000), QByteArray(32768 - 1000, '\xFF'));
+    QFile Internal(Data + QStringLiteral("/Kavlin/SimulatedChip/internal-eeprom.bin"));
+    ASSERT_TRUE(Internal.open(QIODevice::ReadOnly));
+    const QByteArray InternalBytes = Internal.readAll();
+    ASSERT_EQ(InternalBytes.size(), 512);
+    QByteArray Block(32, '\0');
+    Block[0] = 2;
+    Block[1] = 6;
+    Block[6] = static_cast<char>(176);
+    Block[7] = static_cast<char>(176);
+    Block[31] = static_cast<char>(255);
+    EXPECT_EQ(InternalBytes.left(32), Block);
+    EXPECT_EQ(InternalBytes.mid(32), QByteArray(512 - 32, '\xFF'));
 }
 
 TEST_F(BatchAcceptance, DownloadToAPortWithNothingBehindItLogsTheHaltErrorAndDone) {

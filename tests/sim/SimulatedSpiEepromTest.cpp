@@ -42,6 +42,22 @@ TEST(SimulatedSpiEeprom, PageWriteWrapsInsideItsPage) {
     EXPECT_EQ(Eeprom.Memory[0x80], 0xFF);
 }
 
+TEST(SimulatedSpiEeprom, OnlyAPageWriteThatChangesAByteCountsAsChanging) {
+    SimulatedSpiEeprom Eeprom;
+    Transfer(Eeprom, {0x06}, 0);
+    Transfer(Eeprom, {0x02, 0x00, 0x10, 0xFF, 0xFF}, 0);
+    EXPECT_EQ(Eeprom.CompletedWrites, 1);
+    EXPECT_EQ(Eeprom.ChangingWrites, 0);
+    const int64_t Later = Eeprom.WriteCycleNs;
+    Transfer(Eeprom, {0x06}, Later);
+    Transfer(Eeprom, {0x02, 0x00, 0x10, 0xFF, 0x5A}, Later);
+    EXPECT_EQ(Eeprom.ChangingWrites, 1);
+    // Refused writes change nothing.
+    Transfer(Eeprom, {0x02, 0x00, 0x10, 0x00}, 2 * Later);
+    EXPECT_EQ(Eeprom.RefusedWrites, 1);
+    EXPECT_EQ(Eeprom.ChangingWrites, 1);
+}
+
 TEST(SimulatedSpiEeprom, DeviceInItsWriteCycleHearsOnlyAStatusRead) {
     SimulatedSpiEeprom Eeprom;
     Transfer(Eeprom, {0x06}, 0);
