@@ -23,8 +23,6 @@
 #include "frame/frmAbout.h"
 #include "frame/frmWorkPathDefinition.h"
 #include "link/DownloadPortExecutive.h"
-#include "link/frmDownloadPortParallel.h"
-#include "link/frmDownloadPortSerial.h"
 #include "link/frmDownloader.h"
 #include "platform/FileDialogService.h"
 #include "platform/Global.h"
@@ -676,14 +674,8 @@ void frmSourceEditor::mnuCompileAndRun_Click() {
         if (Answer != 6) {
             return;
         }
-        // The chip model alone decides which port it is.
-        if (GlobalData::ChipType == 1) {
-            Global<frmDownloadPortParallel>::Get().exec();
-            Global<frmDownloadPortParallel>::Unload();
-        } else {
-            Global<frmDownloadPortSerial>::Get().exec();
-            Global<frmDownloadPortSerial>::Unload();
-        }
+        // The port dialog of the chip model, as the downloader's menu shows it.
+        Global<frmDownloader>::Get().mnuDownloadPortSetup_Click();
         if (!DownloadPortExecutive::DownloadPortIsOpen()) {
             return;
         }
