@@ -4,56 +4,19 @@
 // wire at 115200 baud.
 
 #include <benchmark/benchmark.h>
-#include <time.h>
 
 #include <QApplication>
 #include <algorithm>
 #include <memory>
 
 #include "BenchSettings.h"
+#include "WireBench.h"
 #include "link/KavlinControl.h"
 #include "platform/ClockService.h"
 #include "platform/SerialDevices.h"
 #include "sim/SimulatedSerialLine.h"
 
 namespace {
-
-double ProcessCpuSeconds() {
-    timespec Now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &Now);
-    return static_cast<double>(Now.tv_sec) + static_cast<double>(Now.tv_nsec) / 1e9;
-}
-
-// What a write and verify of Length bytes from address 0 must put on the
-// line, counted from the frames of the protocol, and the sleeps it must take.
-struct WireMinimum {
-    int64_t Bytes = 0;
-    int64_t SleepMs = 0;
-    double Seconds() const {
-        return static_cast<double>(Bytes) * SimulatedSerialLine::ByteNs / 1e9 + SleepMs / 1e3;
-    }
-};
-
-WireMinimum MinimumFor(int64_t Length) {
-    const int64_t WriteEnable = 4, ProtectFrame = 5, Filler = 116;
-    WireMinimum Minimum;
-    Minimum.Bytes += WriteEnable + ProtectFrame + Filler;
-    const int64_t FullPages = Length / 64, LastPage = Length % 64;
-    Minimum.Bytes += FullPages * (WriteEnable + 64 + 6 + Filler);
-    if (LastPage > 0) {
-        Minimum.Bytes += WriteEnable + LastPage + 6 + Filler;
-    }
-    Minimum.Bytes += WriteEnable + ProtectFrame + Filler;
-    Minimum.Bytes += 5;  // the frame that begins the read-back
-    Minimum.SleepMs += 200;
-    Minimum.Bytes += (Length / 128) * 130;
-    const int64_t Tail = Length % 128;
-    if (Tail > 0) {
-        Minimum.Bytes += Tail + 4;
-        Minimum.SleepMs += 100;
-    }
-    return Minimum;
-}
 
 void WriteExternalEEpromWithVerify(benchmark::State& State) {
     const int32_t Length = static_cast<int32_t>(State.range(0));
@@ -73,7 +36,8 @@ void WriteExternalEEpromWithVerify(benchmark::State& State) {
     for (int32_t Index = 0; Index < Length; ++Index) {
         Image[Index] = static_cast<uint8_t>(Index * 31 + 7);
     }
-    const WireMinimum Minimum = MinimumFor(Length);
+    WireMinimum Minimum(Line->TransmitFifoBytes, Line->Chip().ReplyLatencyNs);
+    Minimum.WriteExternalEEprom(Length);
     double WallTotal = 0, CpuTotal = 0;
     int64_t Iterations = 0, SentBytes = 0;
     int LastStatus = 0;
@@ -95,7 +59,7 @@ void WriteExternalEEpromWithVerify(benchmark::State& State) {
         LastStatus = Status;
         SentBytes = Line->SentBytes().size();
     }
-    if (SentBytes != Minimum.Bytes) {
+    if (SentBytes != Minimum.Bytes()) {
         State.SkipWithError("the bytes on the wire differ from the protocol's count");
     }
     const double Wall = WallTotal / static_cast<double>(Iterations);
