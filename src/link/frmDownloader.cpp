@@ -665,7 +665,7 @@ void frmDownloader::SetDownloaderEnabled(bool Enable) {
             Button->setEnabled(Enable);
         }
     }
-    ToolBar->repaint();
+    ToolBar->update();
 }
 
 void frmDownloader::ShowRunState(const QString& Power, const QString& Run) {
