@@ -16,6 +16,16 @@ namespace {
 // of bounds.
 constexpr int ItemsPerRecord = 21;
 
+struct TypeText {
+    int32_t VariableType;
+    const char* Text;
+};
+
+const TypeText TypeTexts[] = {
+    {17, ".UnsignedInteger"}, {18, ".Byte"},   {19, ".Integer"}, {20, ".Long"},
+    {21, ".UnsignedLong"},    {32, ".Single"}, {50, ".Boolean"}, {StringType, ".String"},
+};
+
 QString NotFoundText() { return QStringLiteral("Error -- KVM file not found"); }
 QString ReadErrorText() { return QStringLiteral("Error reading KVM file"); }
 
@@ -215,35 +225,11 @@ KvmFileContents Failed(KvmFileContents Result, const QString& Text) {
 }  // namespace
 
 QString TypeSuffix(int32_t VariableType, int16_t DimensionCount) {
-    QString Suffix;
-    switch (VariableType) {
-        case 17:
-            Suffix = QStringLiteral(".UnsignedInteger");
-            break;
-        case 18:
-            Suffix = QStringLiteral(".Byte");
-            break;
-        case 19:
-            Suffix = QStringLiteral(".Integer");
-            break;
-        case 20:
-            Suffix = QStringLiteral(".Long");
-            break;
-        case 21:
-            Suffix = QStringLiteral(".UnsignedLong");
-            break;
-        case 32:
-            Suffix = QStringLiteral(".Single");
-            break;
-        case 50:
-            Suffix = QStringLiteral(".Boolean");
-            break;
-        case StringType:
-            Suffix = QStringLiteral(".String");
-            break;
-        default:
-            Suffix = QStringLiteral(".*** ILLEGAL TYPE ***");
-            break;
+    QString Suffix = QStringLiteral(".*** ILLEGAL TYPE ***");
+    for (const TypeText& Type : TypeTexts) {
+        if (Type.VariableType == VariableType) {
+            Suffix = QLatin1String(Type.Text);
+        }
     }
     return DimensionCount != 0 ? QStringLiteral("()") + Suffix : Suffix;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <ostream>
+#include <type_traits>
 
 #include "frame/UtilitiesNumeric.h"
 #include "support/QtPrinters.h"
@@ -16,61 +17,56 @@ using UtilitiesNumeric::NumberToText;
 
 namespace {
 
-float SingleOfBits(uint32_t Bits) { return std::bit_cast<float>(Bits); }
-double DoubleOfBits(uint64_t Bits) { return std::bit_cast<double>(Bits); }
-
-struct SingleCase {
-    uint32_t Bits;
+// A Single or a Double given by its bits, and its text.
+template <typename Floating>
+struct NumberCase {
+    std::conditional_t<sizeof(Floating) == 4, uint32_t, uint64_t> Bits;
     const char* Text;
+    Floating Value() const { return std::bit_cast<Floating>(Bits); }
 };
 
-std::ostream& operator<<(std::ostream& Stream, const SingleCase& Case) {
+template <typename Floating>
+std::ostream& operator<<(std::ostream& Stream, const NumberCase<Floating>& Case) {
     return Stream << "bits 0x" << std::hex << Case.Bits << " -> \"" << Case.Text << '"';
 }
+
+using SingleCase = NumberCase<float>;
+using DoubleCase = NumberCase<double>;
+
+SingleCase Single(float Value, const char* Text) { return {std::bit_cast<uint32_t>(Value), Text}; }
+DoubleCase Double(double Value, const char* Text) { return {std::bit_cast<uint64_t>(Value), Text}; }
 
 class SingleNumberToText : public ::testing::TestWithParam<SingleCase> {};
 
 TEST_P(SingleNumberToText, PrintsAtMostSevenSignificantDigits) {
-    EXPECT_EQ(NumberToText(SingleOfBits(GetParam().Bits)), QString::fromLatin1(GetParam().Text));
+    EXPECT_EQ(NumberToText(GetParam().Value()), QString::fromLatin1(GetParam().Text));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Plain, SingleNumberToText,
-    ::testing::Values(SingleCase{std::bit_cast<uint32_t>(1.5f), "1.5"},
-                      SingleCase{std::bit_cast<uint32_t>(-1.5f), "-1.5"},
-                      SingleCase{std::bit_cast<uint32_t>(100.0f), "100"},
-                      SingleCase{std::bit_cast<uint32_t>(123.456f), "123.456"},
-                      SingleCase{std::bit_cast<uint32_t>(99999.99f), "99999.99"},
-                      SingleCase{std::bit_cast<uint32_t>(1234567.0f), "1234567"},
-                      SingleCase{std::bit_cast<uint32_t>(9999999.0f), "9999999"},
-                      SingleCase{std::bit_cast<uint32_t>(1.0000001f), "1"}));
+INSTANTIATE_TEST_SUITE_P(Plain, SingleNumberToText,
+                         ::testing::Values(Single(1.5f, "1.5"), Single(-1.5f, "-1.5"),
+                                           Single(100.0f, "100"), Single(123.456f, "123.456"),
+                                           Single(99999.99f, "99999.99"),
+                                           Single(1234567.0f, "1234567"),
+                                           Single(9999999.0f, "9999999"), Single(1.0000001f, "1")));
 
 INSTANTIATE_TEST_SUITE_P(
     FractionsBelowOneHaveNoLeadingZero, SingleNumberToText,
-    ::testing::Values(SingleCase{std::bit_cast<uint32_t>(0.5f), ".5"},
-                      SingleCase{std::bit_cast<uint32_t>(-0.5f), "-.5"},
-                      SingleCase{std::bit_cast<uint32_t>(0.1f), ".1"},
-                      SingleCase{std::bit_cast<uint32_t>(0.15f), ".15"},
-                      SingleCase{std::bit_cast<uint32_t>(1.0f / 3.0f), ".3333333"},
-                      SingleCase{std::bit_cast<uint32_t>(2.0f / 3.0f), ".6666667"},
-                      SingleCase{std::bit_cast<uint32_t>(0.001f), ".001"},
+    ::testing::Values(Single(0.5f, ".5"), Single(-0.5f, "-.5"), Single(0.1f, ".1"),
+                      Single(0.15f, ".15"), Single(1.0f / 3.0f, ".3333333"),
+                      Single(2.0f / 3.0f, ".6666667"), Single(0.001f, ".001"),
                       // 9.99999974E-05 rounds up to 1E-04, which still prints plain.
-                      SingleCase{std::bit_cast<uint32_t>(0.0001f), ".0001"},
-                      SingleCase{0x3F7FFFFFu, ".9999999"}));
+                      Single(0.0001f, ".0001"), SingleCase{0x3F7FFFFFu, ".9999999"}));
 
-INSTANTIATE_TEST_SUITE_P(
-    TiesRoundToEven, SingleNumberToText,
-    ::testing::Values(SingleCase{std::bit_cast<uint32_t>(8388607.5f), "8388608"},
-                      SingleCase{std::bit_cast<uint32_t>(1234567.5f), "1234568"},
-                      SingleCase{std::bit_cast<uint32_t>(1234566.5f), "1234566"}));
+INSTANTIATE_TEST_SUITE_P(TiesRoundToEven, SingleNumberToText,
+                         ::testing::Values(Single(8388607.5f, "8388608"),
+                                           Single(1234567.5f, "1234568"),
+                                           Single(1234566.5f, "1234566")));
 
 INSTANTIATE_TEST_SUITE_P(
     ExponentForm, SingleNumberToText,
-    ::testing::Values(SingleCase{std::bit_cast<uint32_t>(10000000.0f), "1E+07"},
-                      SingleCase{std::bit_cast<uint32_t>(16777216.0f), "1.677722E+07"},
-                      SingleCase{std::bit_cast<uint32_t>(-16777216.0f), "-1.677722E+07"},
-                      SingleCase{std::bit_cast<uint32_t>(0.00001f), "1E-05"},
-                      SingleCase{std::bit_cast<uint32_t>(-0.00001f), "-1E-05"},
+    ::testing::Values(Single(10000000.0f, "1E+07"), Single(16777216.0f, "1.677722E+07"),
+                      Single(-16777216.0f, "-1.677722E+07"), Single(0.00001f, "1E-05"),
+                      Single(-0.00001f, "-1E-05"),
                       SingleCase{0x7F7FFFFFu, "3.402823E+38"},   // largest
                       SingleCase{0xFF7FFFFFu, "-3.402823E+38"},  // most negative
                       SingleCase{0x00800000u, "1.175494E-38"},   // smallest normal
@@ -85,38 +81,26 @@ INSTANTIATE_TEST_SUITE_P(
                       SingleCase{0xFFC00001u, "-1.#QNAN"}, SingleCase{0x7F800001u, "1.#QNAN"},
                       SingleCase{0xFF800001u, "-1.#QNAN"}, SingleCase{0x7FFFFFFFu, "1.#QNAN"}));
 
-struct DoubleCase {
-    uint64_t Bits;
-    const char* Text;
-};
-
-std::ostream& operator<<(std::ostream& Stream, const DoubleCase& Case) {
-    return Stream << "bits 0x" << std::hex << Case.Bits << " -> \"" << Case.Text << '"';
-}
-
 class DoubleNumberToText : public ::testing::TestWithParam<DoubleCase> {};
 
 TEST_P(DoubleNumberToText, PrintsAtMostFifteenSignificantDigits) {
-    EXPECT_EQ(NumberToText(DoubleOfBits(GetParam().Bits)), QString::fromLatin1(GetParam().Text));
+    EXPECT_EQ(NumberToText(GetParam().Value()), QString::fromLatin1(GetParam().Text));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, DoubleNumberToText,
-    ::testing::Values(
-        DoubleCase{std::bit_cast<uint64_t>(1.5), "1.5"},
-        DoubleCase{std::bit_cast<uint64_t>(0.1), ".1"},
-        DoubleCase{std::bit_cast<uint64_t>(-0.25), "-.25"},
-        DoubleCase{std::bit_cast<uint64_t>(0.1 + 0.2), ".3"},
-        DoubleCase{std::bit_cast<uint64_t>(1.0 / 3.0), ".333333333333333"},
-        DoubleCase{std::bit_cast<uint64_t>(1e14), "100000000000000"},
-        DoubleCase{std::bit_cast<uint64_t>(1e15), "1E+15"},
-        DoubleCase{std::bit_cast<uint64_t>(123456789012345678.0), "1.23456789012346E+17"},
-        DoubleCase{std::bit_cast<uint64_t>(1e300), "1E+300"},
-        DoubleCase{std::bit_cast<uint64_t>(0.00001), "1E-05"},
-        DoubleCase{1u, "4.94065645841247E-324"}, DoubleCase{0x8000000000000000ull, "0"},
-        DoubleCase{0x7FF0000000000000ull, "1.#INF"}, DoubleCase{0xFFF0000000000000ull, "-1.#INF"},
-        DoubleCase{0xFFF8000000000000ull, "-1.#IND"}, DoubleCase{0x7FF8000000000000ull, "1.#QNAN"},
-        DoubleCase{0xFFF8000000000001ull, "-1.#QNAN"}));
+INSTANTIATE_TEST_SUITE_P(All, DoubleNumberToText,
+                         ::testing::Values(Double(1.5, "1.5"), Double(0.1, ".1"),
+                                           Double(-0.25, "-.25"), Double(0.1 + 0.2, ".3"),
+                                           Double(1.0 / 3.0, ".333333333333333"),
+                                           Double(1e14, "100000000000000"), Double(1e15, "1E+15"),
+                                           Double(123456789012345678.0, "1.23456789012346E+17"),
+                                           Double(1e300, "1E+300"), Double(0.00001, "1E-05"),
+                                           DoubleCase{1u, "4.94065645841247E-324"},
+                                           DoubleCase{0x8000000000000000ull, "0"},
+                                           DoubleCase{0x7FF0000000000000ull, "1.#INF"},
+                                           DoubleCase{0xFFF0000000000000ull, "-1.#INF"},
+                                           DoubleCase{0xFFF8000000000000ull, "-1.#IND"},
+                                           DoubleCase{0x7FF8000000000000ull, "1.#QNAN"},
+                                           DoubleCase{0xFFF8000000000001ull, "-1.#QNAN"}));
 
 TEST(NumberToText, WholeNumbersPrintAllTheirDigitsWithNoBlank) {
     EXPECT_EQ(NumberToText(uint8_t{0}), QStringLiteral("0"));

@@ -20,8 +20,9 @@ class WatchValuesTest : public ::testing::Test {
     // The text of one variable of the type at address 100 holding the bytes.
     QString Shown(int32_t VariableType, std::initializer_list<uint8_t> Bytes) {
         Put(100, Bytes);
-        return WatchValues::WatchText({Variable(QStringLiteral("Count"), 100, VariableType)}, Ram);
+        return Text({Variable("Count", 100, VariableType)});
     }
+    QString Text(const QList<KvmEntry>& Selected) { return WatchValues::WatchText(Selected, Ram); }
     static KvmEntry Variable(const QString& Name, int32_t Address, int32_t VariableType,
                              int16_t DimensionCount = 0) {
         return KvmEntry{Name, Address, VariableType, false, DimensionCount};
@@ -34,7 +35,7 @@ TEST_F(WatchValuesTest, NoRowSelectedGivesAnEmptyTextAndANegativeLength) {
     EXPECT_EQ(Range.StartingAddress, 65535);
     EXPECT_EQ(Range.Length, -1 - 65535 + 30);
     EXPECT_TRUE(Range.Fits);
-    EXPECT_EQ(WatchValues::WatchText({}, Ram), QString());
+    EXPECT_EQ(Text({}), QString());
 }
 
 TEST_F(WatchValuesTest, AVariableAtAddressZeroReadsFromZeroUpToTheHighestAnd30More) {
@@ -59,7 +60,7 @@ TEST_F(WatchValuesTest, ARangeTooLongFor32BitsReadsNothingAndShowsNothing) {
     const QList<KvmEntry> Selected{Variable("Low", -2147483647 - 1, 18),
                                    Variable("High", 2147483647, 18)};
     EXPECT_FALSE(WatchValues::ReadRange(Selected).Fits);
-    EXPECT_EQ(WatchValues::WatchText(Selected, Ram), QString());
+    EXPECT_EQ(Text(Selected), QString());
     // Just within: 2147483617 - 0 + 30 is the largest length there is.
     EXPECT_TRUE(WatchValues::ReadRange({Variable("A", 0, 99), Variable("B", 2147483617, 99)}).Fits);
     EXPECT_FALSE(
@@ -113,72 +114,52 @@ TEST_F(WatchValuesTest, AnIllegalTypeShowsNothingBehindTheColon) {
 
 TEST_F(WatchValuesTest, AnArrayShowsItsElementAtTheAddress) {
     Put(200, {7, 8, 9});
-    EXPECT_EQ(WatchValues::WatchText({Variable("Buffer", 200, 18, 1)}, Ram),
-              QStringLiteral("Buffer: 7\r\n"));
+    EXPECT_EQ(Text({Variable("Buffer", 200, 18, 1)}), QStringLiteral("Buffer: 7\r\n"));
 }
 
 TEST_F(WatchValuesTest, ShowsOneLinePerSelectedVariableInListOrder) {
     Put(10, {0x05, 0x00});
     Put(20, {0x01});
     Put(30, {0x00, 0x00, 0x20, 0x41});
-    EXPECT_EQ(
-        WatchValues::WatchText(
-            {Variable(QStringLiteral("Count"), 10, 19), Variable(QStringLiteral("Flag"), 20, 50),
-             Variable(QStringLiteral("Odd"), 40, 7), Variable(QStringLiteral("Ratio"), 30, 32)},
-            Ram),
-        QStringLiteral("Count: 5\r\nFlag: True\r\nOdd: \r\nRatio: 10\r\n"));
+    EXPECT_EQ(Text({Variable("Count", 10, 19), Variable("Flag", 20, 50), Variable("Odd", 40, 7),
+                    Variable("Ratio", 30, 32)}),
+              QStringLiteral("Count: 5\r\nFlag: True\r\nOdd: \r\nRatio: 10\r\n"));
 }
 
 TEST_F(WatchValuesTest, TheNameIsShownWithoutBlanks) {
     Put(10, {3});
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("  Count  "), 10, 18)}, Ram),
-              QStringLiteral("Count: 3\r\n"));
+    EXPECT_EQ(Text({Variable("  Count  ", 10, 18)}), QStringLiteral("Count: 3\r\n"));
 }
 
 TEST_F(WatchValuesTest, AnAddressAt65536EndsTheTextBehindItsColon) {
     Put(10, {1});
     Put(11, {2});
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("A"), 10, 18),
-                                      Variable(QStringLiteral("Far"), 65536, 18),
-                                      Variable(QStringLiteral("B"), 11, 18)},
-                                     Ram),
+    EXPECT_EQ(Text({Variable("A", 10, 18), Variable("Far", 65536, 18), Variable("B", 11, 18)}),
               QStringLiteral("A: 1\r\nFar: "));
 }
 
 TEST_F(WatchValuesTest, AValueReachingPast65535EndsTheText) {
     Put(65535, {0x2A});
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Last"), 65535, 18)}, Ram),
-              QStringLiteral("Last: 42\r\n"));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Last"), 65535, 50)}, Ram),
-              QStringLiteral("Last: True\r\n"));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Word"), 65535, 17)}, Ram),
-              QStringLiteral("Word: "));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Word"), 65534, 19)}, Ram),
-              QStringLiteral("Word: 10922\r\n"));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Long"), 65533, 20)}, Ram),
-              QStringLiteral("Long: "));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Long"), 65532, 21)}, Ram),
-              QStringLiteral("Long: 715827882\r\n"));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Real"), 65533, 32)}, Ram),
-              QStringLiteral("Real: "));
+    EXPECT_EQ(Text({Variable("Last", 65535, 18)}), QStringLiteral("Last: 42\r\n"));
+    EXPECT_EQ(Text({Variable("Last", 65535, 50)}), QStringLiteral("Last: True\r\n"));
+    EXPECT_EQ(Text({Variable("Word", 65535, 17)}), QStringLiteral("Word: "));
+    EXPECT_EQ(Text({Variable("Word", 65534, 19)}), QStringLiteral("Word: 10922\r\n"));
+    EXPECT_EQ(Text({Variable("Long", 65533, 20)}), QStringLiteral("Long: "));
+    EXPECT_EQ(Text({Variable("Long", 65532, 21)}), QStringLiteral("Long: 715827882\r\n"));
+    EXPECT_EQ(Text({Variable("Real", 65533, 32)}), QStringLiteral("Real: "));
 }
 
 TEST_F(WatchValuesTest, ANegativeAddressEndsTheText) {
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Neg"), -1, 18)}, Ram),
-              QStringLiteral("Neg: "));
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Neg"), -100000, 20)}, Ram),
-              QStringLiteral("Neg: "));
+    EXPECT_EQ(Text({Variable("Neg", -1, 18)}), QStringLiteral("Neg: "));
+    EXPECT_EQ(Text({Variable("Neg", -100000, 20)}), QStringLiteral("Neg: "));
     // The lowest address of all: from it up to the highest (-1 with nothing
     // above) and 30 more is too long for 32 bits, so there is no line at all.
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Neg"), -2147483647 - 1, 20)}, Ram),
-              QString());
+    EXPECT_EQ(Text({Variable("Neg", -2147483647 - 1, 20)}), QString());
 }
 
 TEST_F(WatchValuesTest, AnIllegalTypeFarOutsideRamReadsNothingAndGoesOn) {
     Put(5, {9});
-    EXPECT_EQ(WatchValues::WatchText({Variable(QStringLiteral("Odd"), 70000, 99),
-                                      Variable(QStringLiteral("B"), 5, 18)},
-                                     Ram),
+    EXPECT_EQ(Text({Variable("Odd", 70000, 99), Variable("B", 5, 18)}),
               QStringLiteral("Odd: \r\nB: 9\r\n"));
 }
 
