@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Writes the seed corpus of the preference file fuzzer into corpus/prf."""
+"""Writes the seed corpora of the fuzzers: the preference file reader's into
+corpus/prf and the symbol map reader's into corpus/kvm."""
 import os
 import struct
 
-HERE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "corpus", "prf")
+CORPUS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "corpus")
+HERE = os.path.join(CORPUS, "prf")
+KVM = os.path.join(CORPUS, "kvm")
 
 
 def image(records=615):
@@ -30,7 +33,40 @@ def defaults(img, processor):
         record(img, number, value)
 
 
+def kvm_record(name, address, kind, excluded=False, dimensions=0, end="\r\n", sep=","):
+    items = ['"%s"' % name, str(address), str(kind), "#TRUE#" if excluded else "#FALSE#",
+             str(dimensions)]
+    for bound in range(8):
+        items += ["0", "9" if bound < dimensions else "0"]
+    return (sep.join(items) + end).encode("utf-8")
+
+
+def kvm_seeds():
+    os.makedirs(KVM, exist_ok=True)
+    seeds = {
+        "empty.kvm": b"",
+        "typical.kvm": b"".join([
+            kvm_record("Count", 0, 19), kvm_record("Total", 2, 17),
+            kvm_record("Hidden", 4, 20, excluded=True), kvm_record("Buffer", 4, 18, dimensions=1),
+            kvm_record("Message", 20, 61), kvm_record("Ticks", 40, 20),
+            kvm_record("Big", 44, 21), kvm_record("Ratio", 48, 32),
+            kvm_record("Flag", 52, 50), kvm_record("Odd", 53, 99),
+            kvm_record("Grid", 60, 19, dimensions=2)]),
+        "lf-only.kvm": kvm_record("Count", 10, 19, end="\n") + kvm_record("Flag", 12, 50, end="\n"),
+        "item-per-line.kvm": kvm_record("Count", 10, 19, sep="\r\n"),
+        "only-string.kvm": kvm_record("Message", 0, 61),
+        "cut-off.kvm": kvm_record("Count", 10, 19) + kvm_record("Cut", 12, 20)[:30],
+        "overflow.kvm": kvm_record("Count", 10, 19) + kvm_record("Far", 2147483648, 19),
+        "forms.kvm": b' "a,b" , +5 ,\t19 , True , 0 ' + b",0" * 16 + b"\r\n" +
+                     b"Plain,-7,18,-1,0" + b",0" * 16 + b"\r\n" + b'"E",,,,' + b",0" * 15 + b"\r\n",
+        "full-256.kvm": b"".join(kvm_record("V%d" % index, index, 18) for index in range(256)),
+    }
+    for name, content in seeds.items():
+        open(os.path.join(KVM, name), "wb").write(content)
+
+
 def main():
+    kvm_seeds()
     os.makedirs(HERE, exist_ok=True)
     for processor in (1, 2, 3):
         img = image()
