@@ -24,6 +24,8 @@
 #include "frame/frmWorkPathDefinition.h"
 #include "link/DownloadPortExecutive.h"
 #include "link/frmDownloader.h"
+#include "monitor/MonitorPortExecutive.h"
+#include "monitor/frmWatchWindow.h"
 #include "platform/FileDialogService.h"
 #include "platform/Global.h"
 #include "project/ProjectType.h"
@@ -161,14 +163,15 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuCompile, &QAction::triggered, this, &frmSourceEditor::mnuCompile_Click);
     connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
     connect(mnuCompileStatus, &QAction::triggered, this, &frmSourceEditor::mnuCompileStatus_Click);
+    connect(mnuWatchWindow, &QAction::triggered, this, &frmSourceEditor::mnuWatchWindow_Click);
     connect(mnuWindowCascade, &QAction::triggered, mdiArea, &QMdiArea::cascadeSubWindows);
     connect(mnuWindowTileHorizontal, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::TopToBottom); });
     connect(mnuWindowTileVertical, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::SideBySide); });
     connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
-    // Not yet: find and replace, the options, chip, project files and watch
-    // window dialogs come with their own parts.
+    // Not yet: find and replace, the options, chip and project files
+    // dialogs come with their own parts.
 }
 
 void frmSourceEditor::BuildToolBar() {
@@ -723,6 +726,28 @@ void frmSourceEditor::CompileProject(bool& Success) {
 }
 
 void frmSourceEditor::mnuCompileStatus_Click() { ShowCompileStatus(); }
+
+void frmSourceEditor::mnuWatchWindow_Click() {
+    if (GlobalData::ChipType != 2 && GlobalData::ChipType != 3) {
+        ErrorDisplay::ShowErrorMessage(QStringLiteral("Watch Window requires KV-20 or KV-30"),
+                                       QStringLiteral("Processor Type Error"));
+        return;
+    }
+    // The watch window takes the serial line: the monitor port must let go.
+    if (MonitorPortExecutive::IsMonitorPortOpen()) {
+        const int Answer = ErrorDisplay::AskYesNoCancel(
+            QStringLiteral("Monitor port must be closed\nto use the watch window.\nClose port now?"),
+            QStringLiteral("Monitor port"));
+        if (Answer != 6) {
+            return;
+        }
+        MonitorPortExecutive::CloseMonitorPort();
+    }
+    frmWatchWindow& Watch = Global<frmWatchWindow>::Get();
+    Watch.show();
+    Watch.raise();
+    Watch.activateWindow();
+}
 
 void frmSourceEditor::ShowCompileStatus() {
     frmCompileStatus& Status = Global<frmCompileStatus>::Get();

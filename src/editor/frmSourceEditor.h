@@ -136,6 +136,7 @@ class frmSourceEditor : public QMainWindow,
     void mnuCompile_Click();
     void mnuCompileAndRun_Click();
     void mnuCompileStatus_Click();
+    void mnuWatchWindow_Click();
     void mnuAbout_Click();
     void barEditorToolbar_ButtonClick(const QString& Key);
     void tabEditTabStrip_Click(int Index);

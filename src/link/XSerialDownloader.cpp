@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <algorithm>
+#include <exception>
 
 #include "chip/ConfigurationBytes.h"
 #include "frame/ErrorDisplay.h"
@@ -241,15 +242,25 @@ void ReadChipRam(int32_t StartingAddress, int32_t Length, KavlinControl::ByteBlo
     }
     AcquireDownloadPort();
     DownloaderStatusTypes Status = dlOK;
+    std::exception_ptr ReadFailure;
     try {
         Link().HaltKavlin(Status);
-        Link().ReadRam(StartingAddress, Length, ByteBlock);
+        try {
+            Link().ReadRam(StartingAddress, Length, ByteBlock);
+        } catch (...) {
+            // A read the link refuses (longer than one exchange can carry)
+            // or a block too small for it: the sample fails, but the
+            // program must go on and the line be given back first.
+            ReadFailure = std::current_exception();
+        }
         Link().ContinueKavlin(Status);
     } catch (...) {
-        // A failed read has left its words in the link's status box.
         TakeCurrentException();
     }
     ReleaseDownloadPort();
+    if (ReadFailure) {
+        std::rethrow_exception(ReadFailure);
+    }
 }
 
 }  // namespace XSerialDownloader

@@ -55,7 +55,9 @@ void DownloadKV20(int32_t FileSizeKVB, bool& Success);
 void DownloadKV30(int32_t FileSizeKVB, bool& Success);
 
 // Reads chip RAM for the watch window; does nothing while a transfer holds
-// the line (the monitor port was taken and not yet given back).
+// the line (the monitor port was taken and not yet given back). A read the
+// link refuses reaches the caller as a run-time error, after the chip was
+// let go on and the line given back.
 void ReadChipRam(int32_t StartingAddress, int32_t Length, KavlinControl::ByteBlock& ByteBlock);
 
 // True from AcquireDownloadPort closing the monitor port until

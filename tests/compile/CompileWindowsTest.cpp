@@ -17,6 +17,7 @@
 #include "frame/TwipsConversion.h"
 #include "link/DownloadPortExecutive.h"
 #include "link/frmDownloader.h"
+#include "monitor/frmWatchWindow.h"
 #include "platform/ClipboardService.h"
 #include "platform/Global.h"
 #include "platform/SerialDevices.h"
@@ -213,6 +214,28 @@ TEST_F(CompileAndRunTest, F5CompilesThenDownloadsAndStartsTheChip) {
     EXPECT_FALSE(Line->Chip().InMonitor()) << "the chip runs the new program";
     EXPECT_EQ(Downloader.StatusBarPanels[1]->text(), QStringLiteral("RUNNING"));
     EXPECT_TRUE(Downloader.DebugWindowText().contains(QStringLiteral("*** Finished Downloading")));
+}
+
+TEST_F(CompileAndRunTest, AGoodCompileGivesAnOpenWatchWindowTheNewSymbolMap) {
+    StartDownloader();
+    Script("symbol=Count,256,19,0,0\n");
+    OpenBlink();
+    Editor->mnuCompile->trigger();
+    Editor->mnuWatchWindow->trigger();
+    frmWatchWindow& Watch = Global<frmWatchWindow>::Get();
+    Watch.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Watch));
+    ASSERT_EQ(Watch.lstWatchList->count(), 1);
+    EXPECT_EQ(Watch.lstWatchList->item(0)->text(), QStringLiteral("Count.Integer"));
+    // The program gains a variable; the compile's new map is in the list at once.
+    Script("symbol=Count,256,19,0,0\nsymbol=Ratio,260,32,0,0\n");
+    Editor->mnuCompile->trigger();
+    ASSERT_EQ(Watch.lstWatchList->count(), 2);
+    EXPECT_EQ(Watch.lstWatchList->item(1)->text(), QStringLiteral("Ratio.Single"));
+    Global<frmWatchWindow>::Unload();
+    // Without a watch window a compile reads no map and makes no window.
+    Editor->mnuCompile->trigger();
+    EXPECT_FALSE(Global<frmWatchWindow>::IsLoaded());
 }
 
 TEST_F(CompileAndRunTest, AFailedCompileDownloadsNothing) {
