@@ -65,6 +65,14 @@ class DownloadPortFixture : public FrameFixture {
         SetSetting(QStringLiteral("Port_Address"), QStringLiteral("0"));
         SetSetting(QStringLiteral("Port_Reserve"), QStringLiteral("False"));
     }
+    // The simulated chip's one line as both the download port and the open
+    // monitor port, and a good installation, as a user who works with it has
+    // them stored.
+    void StoreSimulatedChipForBothPorts() {
+        MakeGoodInstallation();
+        StoreSerialPort(SerialDevices::SimulatedChipPort);
+        SetSetting(QStringLiteral("KV20port_Number"), QStringLiteral(" 99, 115200,N,8,10"));
+    }
     void StoreParallelPort(int Number, const QString& Address, bool Reserve) {
         SetSetting(QStringLiteral("Port_Number"), QString::number(Number));
         SetSetting(QStringLiteral("Port_Mode"), QStringLiteral("Parallel"));

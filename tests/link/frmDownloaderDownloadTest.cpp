@@ -27,9 +27,7 @@ class DownloadWindowTest : public DownloadPortFixture {
   protected:
     void SetUp() override {
         DownloadPortFixture::SetUp();
-        MakeGoodInstallation();
-        StoreSerialPort(SerialDevices::SimulatedChipPort);
-        SetSetting(QStringLiteral("KV20port_Number"), QStringLiteral(" 99, 115200,N,8,10"));
+        StoreSimulatedChipForBothPorts();
         auto Dialogs = std::make_unique<ScriptedFileDialogService>();
         FileDialogs = Dialogs.get();
         FileDialogService::Install(std::move(Dialogs));

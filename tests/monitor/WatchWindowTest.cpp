@@ -39,9 +39,7 @@ class WatchWindowTest : public DownloadPortFixture {
   protected:
     void SetUp() override {
         DownloadPortFixture::SetUp();
-        MakeGoodInstallation();
-        StoreSerialPort(SerialDevices::SimulatedChipPort);
-        SetSetting(QStringLiteral("KV20port_Number"), QStringLiteral(" 99, 115200,N,8,10"));
+        StoreSimulatedChipForBothPorts();
         XSerialDownloader::ResetState();
         frmDownloader::ResetProcessEnded();
         WriteFile(QStringLiteral("blink.kvp"), "blink.bas\r\n");
