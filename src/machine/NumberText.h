@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// The text of a number as the machine's STR makes it, with no blank before or
+// behind it: whole numbers with all their digits and a "-" when negative; a
+// Single with at most 7 significant digits, rounded to the nearest, trailing
+// zeros left off and no "0" before the point of a fraction (".5", "-.25"),
+// in exponent form when the decimal exponent is below -4 or reaches 7
+// ("1E+07", "1.5E-05"); a Boolean as "True" or "False".
+namespace NumberText {
+
+std::string Whole(int64_t Value);
+std::string Single(float Value);
+std::string Boolean(bool Value);
+
+}  // namespace NumberText
