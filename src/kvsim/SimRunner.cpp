@@ -65,9 +65,6 @@ void SimRunner::Write(std::span<const uint8_t> Bytes, int64_t) {
             }
         }
     }
-    if (Options.RealTime) {
-        std::fflush(Output);
-    }
 }
 
 bool SimRunner::Available(int64_t) { return Input.Available(); }
@@ -178,7 +175,10 @@ int SimRunner::Run() {
             default:
                 break;
         }
-        if (Machine.Now() >= Deadline) {
+        // Chip time runs out, or is too short for one more instruction.
+        const bool Running = Machine.CurrentState() == BytecodeMachine::State::Running;
+        if (Machine.Now() >= Deadline ||
+            (Running && Deadline - Machine.Now() < std::max<int64_t>(Machine.InstructionNs, 1))) {
             std::fflush(Output);
             std::fprintf(Messages, "kavlin-sim: time-out after %g s of chip time\n",
                          static_cast<double>(Deadline) / 1e9);
@@ -218,5 +218,7 @@ int SimRunner::Run() {
             Until = Deadline - Machine.Now() < SliceNs ? Deadline : Machine.Now() + SliceNs;
         }
         Machine.RunUntil(Until);
+        // What a long run prints shows as it comes, not when a buffer fills.
+        std::fflush(Output);
     }
 }

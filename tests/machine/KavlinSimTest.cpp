@@ -112,9 +112,11 @@ TEST_F(KavlinSimTest, SecondsOfChipTimeEndTheRunAsATimeOut) {
 }
 
 TEST_F(KavlinSimTest, BusyLoopTimesOutToo) {
-    const Outcome Result =
-        Run({Image("Main:\n  enter 0\nAgain:\n  jmp Again\n"), "--seconds", "0.5"});
-    EXPECT_EQ(Result.ExitCode, 4);
+    const QString Busy = Image("Main:\n  enter 0\nAgain:\n  jmp Again\n");
+    EXPECT_EQ(Run({Busy, "--seconds", "0.5"}).ExitCode, 4);
+    // Less time than one instruction takes.
+    EXPECT_EQ(Run({Busy, "--seconds", "0.0000005"}).ExitCode, 4);
+    EXPECT_EQ(Run({Busy, "--seconds", "0"}).ExitCode, 4);
 }
 
 TEST_F(KavlinSimTest, TenSecondWaitEndsInMilliseconds) {
