@@ -27,20 +27,13 @@ bool SimOptions::Parse(const std::vector<std::string>& Arguments, SimOptions& Op
                 return false;
             }
             Options.Seconds = Seconds;
-        } else if (Argument == "--expect") {
+        } else if (Argument == "--expect" || Argument == "--fail") {
             if (!Next(Value)) return false;
             if (Value.empty()) {
-                Error = "--expect needs a text that is not empty";
+                Error = Argument + " needs a text that is not empty";
                 return false;
             }
-            Options.ExpectTexts.push_back(Value);
-        } else if (Argument == "--fail") {
-            if (!Next(Value)) return false;
-            if (Value.empty()) {
-                Error = "--fail needs a text that is not empty";
-                return false;
-            }
-            Options.FailTexts.push_back(Value);
+            (Argument == "--expect" ? Options.ExpectTexts : Options.FailTexts).push_back(Value);
         } else if (Argument == "--real-time") {
             Options.RealTime = true;
         } else if (Argument == "--eeprom") {

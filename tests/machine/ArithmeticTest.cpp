@@ -8,42 +8,18 @@
 
 namespace {
 
-struct Case {
-    const char* Body;
-    // The slot left on the stack, when no error is expected.
-    uint32_t Slot;
-    RunTimeError Error = RunTimeError::None;
-};
-
 constexpr uint32_t True = 0xFFFFFFFFu;
 constexpr uint32_t False = 0;
 
 uint32_t SingleSlot(float Value) { return std::bit_cast<uint32_t>(Value); }
 
-class ArithmeticTest : public MachineFixture {
-  protected:
-    void Check(const std::vector<Case>& Cases) {
-        for (const Case& Each : Cases) {
-            SCOPED_TRACE(Each.Body);
-            ASSERT_TRUE(Load(Program(Each.Body, ".var V 4")));
-            const BytecodeMachine::State State = RunFor(1);
-            if (Each.Error == RunTimeError::None) {
-                ASSERT_EQ(State, BytecodeMachine::State::Ended) << Machine->ErrorMessage();
-                ASSERT_EQ(Machine->Values().size(), 1u);
-                EXPECT_EQ(Machine->Values()[0], Each.Slot);
-            } else {
-                EXPECT_EQ(State, BytecodeMachine::State::Failed);
-                EXPECT_EQ(Machine->Error(), Each.Error);
-            }
-        }
-    }
-};
+class ArithmeticTest : public MachineFixture {};
 
 constexpr RunTimeError Overflow = RunTimeError::Overflow;
 constexpr RunTimeError ByZero = RunTimeError::DivisionByZero;
 
 TEST_F(ArithmeticTest, ByteStaysBetweenZeroAnd255OrOverflows) {
-    Check({
+    CheckSlots({
         {"pushb 200\npushb 55\nadd.b", 255},
         {"pushb 200\npushb 56\nadd.b", 0, Overflow},
         {"pushb 5\npushb 5\nsub.b", 0},
@@ -61,7 +37,7 @@ TEST_F(ArithmeticTest, ByteStaysBetweenZeroAnd255OrOverflows) {
 }
 
 TEST_F(ArithmeticTest, IntegerStaysInSixteenSignedBitsOrOverflows) {
-    Check({
+    CheckSlots({
         {"pushi 32767\npushi 0\nadd.i", 32767},
         {"pushi 32767\npushi 1\nadd.i", 0, Overflow},
         {"pushi -32768\npushi -1\nadd.i", 0, Overflow},
@@ -84,7 +60,7 @@ TEST_F(ArithmeticTest, IntegerStaysInSixteenSignedBitsOrOverflows) {
 }
 
 TEST_F(ArithmeticTest, UnsignedIntegerWrapsAroundAt65536) {
-    Check({
+    CheckSlots({
         {"pushw 65535\npushw 1\nadd.u", 0},
         {"pushw 0\npushw 1\nsub.u", 65535},
         {"pushw 256\npushw 256\nmul.u", 0},
@@ -99,7 +75,7 @@ TEST_F(ArithmeticTest, UnsignedIntegerWrapsAroundAt65536) {
 }
 
 TEST_F(ArithmeticTest, LongStaysInThirtyTwoSignedBitsOrOverflows) {
-    Check({
+    CheckSlots({
         {"pushw 2147483646\npushw 1\nadd.l", 2147483647},
         {"pushw 2147483647\npushw 1\nadd.l", 0, Overflow},
         {"pushw -2147483648\npushw -1\nadd.l", 0, Overflow},
@@ -120,7 +96,7 @@ TEST_F(ArithmeticTest, LongStaysInThirtyTwoSignedBitsOrOverflows) {
 }
 
 TEST_F(ArithmeticTest, UnsignedLongWrapsAroundAtTwoToThe32) {
-    Check({
+    CheckSlots({
         {"pushw 4294967295\npushw 1\nadd.ul", 0},
         {"pushw 0\npushw 1\nsub.ul", 4294967295u},
         {"pushw 65536\npushw 65536\nmul.ul", 0},
@@ -134,7 +110,7 @@ TEST_F(ArithmeticTest, UnsignedLongWrapsAroundAtTwoToThe32) {
 }
 
 TEST_F(ArithmeticTest, SingleOverflowsWhenItsResultIsNoFiniteNumber) {
-    Check({
+    CheckSlots({
         {"pushf 1.5\npushf 2.25\nadd.f", SingleSlot(3.75f)},
         {"pushf 1.5\npushf 2.25\nsub.f", SingleSlot(-0.75f)},
         {"pushf 1.5\npushf 4\nmul.f", SingleSlot(6.0f)},
@@ -152,7 +128,7 @@ TEST_F(ArithmeticTest, SingleOverflowsWhenItsResultIsNoFiniteNumber) {
 }
 
 TEST_F(ArithmeticTest, ComparisonsGiveTrueAsMinusOneAndFollowTheirType) {
-    Check({
+    CheckSlots({
         {"pushb 1\npushb 2\nlt.b", True},
         {"pushi -1\npushi 1\nlt.i", True},
         {"pushw 65535\npushw 1\nlt.u", False},
@@ -173,7 +149,7 @@ TEST_F(ArithmeticTest, ComparisonsGiveTrueAsMinusOneAndFollowTheirType) {
 }
 
 TEST_F(ArithmeticTest, AndOrXorWorkOnTheBitsOfAnyType) {
-    Check({
+    CheckSlots({
         {"pushb 12\npushb 10\nand", 8},
         {"pushb 12\npushb 10\nor", 14},
         {"pushb 12\npushb 10\nxor", 6},
@@ -185,7 +161,7 @@ TEST_F(ArithmeticTest, AndOrXorWorkOnTheBitsOfAnyType) {
 }
 
 TEST_F(ArithmeticTest, StackInstructionsMoveSlots) {
-    Check({
+    CheckSlots({
         {"pushb 1\ndup\nadd.b", 2},
         {"pushb 1\npushb 2\ndrop", 1},
         {"pushb 1\npushb 3\nswap\nsub.b", 2},
@@ -196,7 +172,7 @@ TEST_F(ArithmeticTest, StackInstructionsMoveSlots) {
 }
 
 TEST_F(ArithmeticTest, ForLoopIncrementOverflowsAtTheEndOfLong) {
-    Check({
+    CheckSlots({
         {"pushw 2147483640\nstg.w V\nincg.l V, 7\nldg.w V", 2147483647},
         {"pushw 2147483640\nstg.w V\nincg.l V, 8\nldg.w V", 0, Overflow},
         {"pushw -5\nstg.w V\nincg.l V, -3\nldg.w V", static_cast<uint32_t>(-8)},

@@ -45,8 +45,7 @@ TEST_F(ArrayTest, IndexOutsideTheBoundsStopsTheProgram) {
         SCOPED_TRACE(Index);
         ASSERT_TRUE(Load(Program(std::string("addrg A\npushw ") + Index + "\naref1 1, 10, 1\nldi.b",
                                  ".var A 10")));
-        EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-        EXPECT_EQ(Machine->Error(), RunTimeError::IndexOutOfBounds);
+        ExpectError(RunTimeError::IndexOutOfBounds);
     }
 }
 
@@ -77,22 +76,19 @@ TEST_F(ArrayTest, EitherIndexOfTwoDimensionsIsChecked) {
         SCOPED_TRACE(Indexes);
         ASSERT_TRUE(Load(Program(
             std::string("addrg M\n") + Indexes + "\naref2 0, 2, 1, 2, 4\nldi.w", ".var M 24")));
-        EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-        EXPECT_EQ(Machine->Error(), RunTimeError::IndexOutOfBounds);
+        ExpectError(RunTimeError::IndexOutOfBounds);
     }
 }
 
 TEST_F(ArrayTest, ElementBeyondTheProgramRamIsRefused) {
     // An array whose declared size runs past the program's RAM.
     ASSERT_TRUE(Load(Program("pushw 600\npushb 9\naref1 0, 9, 4\nldi.w")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::AddressOutOfRange);
+    ExpectError(RunTimeError::AddressOutOfRange);
 }
 
 TEST_F(ArrayTest, ElementAddressPastTheAddressSpaceIsRefused) {
     ASSERT_TRUE(Load(Program("pushw 600\npushi 30000\naref1 0, 30000, 4\nldi.w")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::AddressOutOfRange);
+    ExpectError(RunTimeError::AddressOutOfRange);
 }
 
 TEST_F(ArrayTest, LocalAndPersistentArraysWork) {

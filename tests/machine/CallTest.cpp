@@ -137,8 +137,7 @@ TEST_F(CallTest, RecursionKeepsAFrameForEachCall) {
 TEST_F(CallTest, RecursionOverflowsItsLongResult) {
     ASSERT_TRUE(Load(std::string(".var N 4\n") + Factorial));
     Ram[207] = 13;
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::Overflow);
+    ExpectError(RunTimeError::Overflow);
 }
 
 TEST_F(CallTest, EndlessRecursionRunsOutOfRamAsAStackOverflow) {
@@ -150,8 +149,7 @@ Again:
     call Again
     ret
 )"));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::StackOverflow);
+    ExpectError(RunTimeError::StackOverflow);
     // 401 bytes of RAM at 12 bytes a call.
     EXPECT_LT(Machine->Executed(), 200u);
 }
@@ -176,8 +174,7 @@ Use:
 
 TEST_F(CallTest, ALocalOutsideItsFrameIsRefused) {
     ASSERT_TRUE(Load(Program("ldl.w 0")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::AddressOutOfRange);
+    ExpectError(RunTimeError::AddressOutOfRange);
 }
 
 TEST_F(CallTest, ReturnFromMainEndsTheProgram) {

@@ -33,8 +33,7 @@ TEST_F(LibraryTest, PinsTheChipDoesNotHaveAreRefused) {
     for (const char* Pin : {"1", "4", "21", "28", "0", "41", "261"}) {
         SCOPED_TRACE(Pin);
         ASSERT_TRUE(Load(Program(std::string("pushw ") + Pin + "\npushb 1\nsys PinSet")));
-        EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-        EXPECT_EQ(Machine->Error(), RunTimeError::InvalidPin);
+        ExpectError(RunTimeError::InvalidPin);
     }
 }
 
@@ -44,14 +43,12 @@ TEST_F(LibraryTest, EachChipHasItsOwnPins) {
     EXPECT_EQ(RunFor(), BytecodeMachine::State::Ended);
     ChipType = 1;
     ASSERT_TRUE(Load(Program("pushb 9\npushb 1\nsys PinSet", ".chip 1")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::InvalidPin);
+    ExpectError(RunTimeError::InvalidPin);
 }
 
 TEST_F(LibraryTest, PinStateAboveThreeIsRefused) {
     ASSERT_TRUE(Load(Program("pushb 5\npushb 4\nsys PinSet")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::InvalidArgument);
+    ExpectError(RunTimeError::InvalidArgument);
 }
 
 TEST_F(LibraryTest, PinReadGivesTheLevel) {
@@ -99,8 +96,7 @@ TEST_F(LibraryTest, LedsGoOnAndOff) {
 
 TEST_F(LibraryTest, ThereAreTwoLeds) {
     ASSERT_TRUE(Load(Program("pushb 3\npushb 1\nsys LedSet")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::InvalidLed);
+    ExpectError(RunTimeError::InvalidLed);
 }
 
 TEST_F(LibraryTest, WaitMillisecondsSleepsInChipTime) {
@@ -132,8 +128,7 @@ TEST_F(LibraryTest, WaitSecondsTakesASingle) {
 
 TEST_F(LibraryTest, ANegativeWaitIsRefused) {
     ASSERT_TRUE(Load(Program("pushf -1\nsys WaitSeconds")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::InvalidArgument);
+    ExpectError(RunTimeError::InvalidArgument);
 }
 
 TEST_F(LibraryTest, TenSecondWaitTakesNoHostTime) {

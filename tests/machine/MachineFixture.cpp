@@ -34,6 +34,25 @@ std::string MachineFixture::Run(std::string_view Source, double Seconds) {
     return Board.Output;
 }
 
+void MachineFixture::ExpectError(RunTimeError Error, double Seconds) {
+    EXPECT_EQ(RunFor(Seconds), BytecodeMachine::State::Failed);
+    EXPECT_EQ(Machine->Error(), Error) << Machine->ErrorMessage();
+}
+
+void MachineFixture::CheckSlots(const std::vector<SlotCase>& Cases) {
+    for (const SlotCase& Each : Cases) {
+        SCOPED_TRACE(Each.Body);
+        ASSERT_TRUE(Load(Program(Each.Body, ".var V 4")));
+        if (Each.Error != RunTimeError::None) {
+            ExpectError(Each.Error, 1);
+            continue;
+        }
+        ASSERT_EQ(RunFor(1), BytecodeMachine::State::Ended) << Machine->ErrorMessage();
+        ASSERT_EQ(Machine->Values().size(), 1u);
+        EXPECT_EQ(Machine->Values()[0], Each.Slot);
+    }
+}
+
 std::vector<int64_t> MachineFixture::Stack() const {
     std::vector<int64_t> Values;
     for (const uint32_t Slot : Machine->Values()) {

@@ -26,6 +26,18 @@ class MachineFixture : public ::testing::Test {
     BytecodeMachine::State RunFor(double Seconds = 10.0);
     // Loads and runs; the program's output.
     std::string Run(std::string_view Source, double Seconds = 10.0);
+    // Runs and expects the program to stop with Error.
+    void ExpectError(RunTimeError Error, double Seconds = 10.0);
+
+    // A program body that leaves one slot on the stack, or stops with Error.
+    struct SlotCase {
+        const char* Body;
+        uint32_t Slot;
+        RunTimeError Error = RunTimeError::None;
+    };
+    // Runs each body inside Main, with a Long variable V, and checks its outcome.
+    void CheckSlots(const std::vector<SlotCase>& Cases);
+
     // The value stack from the bottom, signed.
     std::vector<int64_t> Stack() const;
     int64_t Word(int Address) const;

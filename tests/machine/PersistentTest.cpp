@@ -63,11 +63,9 @@ TEST_F(PersistentTest, ProgramRamIsClearedAndTheRestLeftAlone) {
 TEST_F(PersistentTest, TheConfigurationBlockCannotBeReached) {
     // A reference made by hand to EEPROM address 31, just below the variables.
     ASSERT_TRUE(Load(Program("pushw 0x1001F\nldi.b", ".persistent P 1")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::AddressOutOfRange);
+    ExpectError(RunTimeError::AddressOutOfRange);
     ASSERT_TRUE(Load(Program("pushw 0x10021\npushb 1\nsti.b", ".persistent P 1")));
-    EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-    EXPECT_EQ(Machine->Error(), RunTimeError::AddressOutOfRange);
+    ExpectError(RunTimeError::AddressOutOfRange);
 }
 
 }  // namespace

@@ -46,8 +46,7 @@ TEST_F(RunTimeErrorTest, AReferenceToNoMemoryIsRefused) {
         SCOPED_TRACE(Reference);
         ASSERT_TRUE(Load(
             Program(std::string("pushw ") + Reference + "\npushb 1\nsti.b", ".persistent P 1")));
-        EXPECT_EQ(RunFor(), BytecodeMachine::State::Failed);
-        EXPECT_EQ(Machine->Error(), RunTimeError::AddressOutOfRange);
+        ExpectError(RunTimeError::AddressOutOfRange);
     }
 }
 
