@@ -179,4 +179,36 @@ TEST_F(ArithmeticTest, ForLoopIncrementOverflowsAtTheEndOfLong) {
     });
 }
 
+TEST_F(ArithmeticTest, LoadsExtendByTypeAndBooleansStoreAs255) {
+    CheckSlots({
+        {"pushi -1\nstg.h V\nldg.u V", 65535},
+        {"pushi -1\nstg.h V\nldg.i V", True},
+        {"pushw 0x1FF\nstg.b V\nldg.b V", 255},
+        {"pushw 0x12345678\nstg.w V\nldg.b V+3", 0x12},
+        {"pushb 5\nstg.z V\nldg.b V", 255},
+        {"pushb 5\nstg.z V\nldg.z V", True},
+        {"pushb 0\nstg.z V\nldg.z V", False},
+        {"pushb 2\nstg.b V\nldg.z V", True},
+        {"addrg V\npushi -2\nsti.h\naddrg V\nldi.u", 65534},
+        {"addrg V\npushi -2\nsti.h\naddrg V\nldi.i", static_cast<uint32_t>(-2)},
+        {"addrg V\npushb 9\nsti.z\naddrg V\nldi.b", 255},
+        {"addrg V\npushb 0\nsti.z\naddrg V\nldi.z", False},
+        {"addrg V\npushw 0xFFFFFF80\nsti.b\naddrg V\nldi.b", 0x80},
+        {"addrg V\npushf 2.5\nsti.w\naddrg V\nldi.w", SingleSlot(2.5f)},
+    });
+}
+
+TEST_F(ArithmeticTest, LocalsLoadAndStoreByType) {
+    CheckSlots({
+        {"enter 4\npushi -3\nstl.h 0\nldl.u 0", 65533},
+        {"enter 4\npushi -3\nstl.h 2\nldl.i 2", static_cast<uint32_t>(-3)},
+        {"enter 4\npushb 7\nstl.z 3\nldl.b 3", 255},
+        {"enter 4\npushb 7\nstl.b 3\nldl.z 3", True},
+        {"enter 4\npushw 123456\nstl.w 0\nldl.w 0", 123456},
+        {"enter 4\naddrl 2\npushb 1\nsti.b\nldl.w 0", 0x10000},
+        {"enter 4\nldl.w 1", 0, RunTimeError::AddressOutOfRange},
+        {"enter 4\naddrl 4", 0, RunTimeError::AddressOutOfRange},
+    });
+}
+
 }  // namespace

@@ -106,6 +106,11 @@ TEST_F(StringTest, HelpersGiveLengthCharacterAndFirstByte) {
     EXPECT_EQ(Stack(), (std::vector<int64_t>{3, 65}));
 }
 
+TEST_F(StringTest, SdropDiscardsTheTopString) {
+    EXPECT_EQ(Run(Program("pushs \"kept\"\npushs \"gone\"\nsdrop\nsys PrintString")), "kept");
+    EXPECT_EQ(Machine->StringCount(), 0);
+}
+
 TEST_F(StringTest, FirstByteOfAnEmptyStringIsAnError) {
     Run(Program("pushs \"\"\nsys StringFirstByte"));
     EXPECT_EQ(Machine->Error(), RunTimeError::InvalidArgument);
