@@ -26,8 +26,7 @@ SimRunner::SimRunner(const SimOptions& Options, SimInput& Input, std::FILE* Outp
       Output(Output),
       Messages(Messages),
       Ram(65536, 0),
-      InternalEeprom(EepromSize, 0xFF),
-      Pins(41, MachinePinState::InputTristate) {
+      InternalEeprom(EepromSize, 0xFF) {
     for (const std::string& Text : Options.ExpectTexts) {
         TailLength = std::max(TailLength, Text.size());
     }
@@ -70,23 +69,6 @@ void SimRunner::Write(std::span<const uint8_t> Bytes, int64_t) {
 bool SimRunner::Available(int64_t) { return Input.Available(); }
 
 std::optional<uint8_t> SimRunner::Read(int64_t) { return Input.Read(); }
-
-void SimRunner::SetPinState(int Pin, MachinePinState State, int64_t) {
-    if (Pin >= 1 && Pin < static_cast<int>(Pins.size())) {
-        Pins[static_cast<size_t>(Pin)] = State;
-    }
-}
-
-bool SimRunner::PinLevel(int Pin, int64_t) {
-    if (Pin < 1 || Pin >= static_cast<int>(Pins.size())) {
-        return false;
-    }
-    // Nothing is wired to the pins: an input with its pull-up reads high.
-    const MachinePinState State = Pins[static_cast<size_t>(Pin)];
-    return State == MachinePinState::OutputHigh || State == MachinePinState::InputPullup;
-}
-
-void SimRunner::SetLed(int, bool, int64_t) {}
 
 bool SimRunner::LoadImage(std::vector<uint8_t>& Image) {
     std::ifstream File(Options.ImagePath, std::ios::binary);
@@ -140,7 +122,7 @@ int SimRunner::Run() {
         return SimUsage;
     }
     LoadEeprom();
-    BytecodeMachine Machine({Ram, InternalEeprom, Image}, *this, *this);
+    BytecodeMachine Machine({Ram, InternalEeprom, Image}, *this, Pins);
     if (!Machine.Start(0)) {
         std::fprintf(Messages, "kavlin-sim: %s: %s\n", Options.ImagePath.c_str(),
                      Machine.RefusalReason().c_str());

@@ -7,12 +7,13 @@
 
 #include "kvsim/SimInput.h"
 #include "kvsim/SimOptions.h"
+#include "machine/MachineBoard.h"
 #include "machine/MachineDevices.h"
 
 // One run of kavlin-sim: the machine with a chip's memories, its serial line
 // on standard output and input, and the clock run fast or in real time until
 // one of the ways of ending that SimExitCode names.
-class SimRunner : public MachineSerialLine, public MachinePins {
+class SimRunner : public MachineSerialLine {
   public:
     SimRunner(const SimOptions& Options, SimInput& Input, std::FILE* Output, std::FILE* Messages);
     int Run();
@@ -20,9 +21,6 @@ class SimRunner : public MachineSerialLine, public MachinePins {
     void Write(std::span<const uint8_t> Bytes, int64_t Ns) override;
     bool Available(int64_t Ns) override;
     std::optional<uint8_t> Read(int64_t Ns) override;
-    void SetPinState(int Pin, MachinePinState State, int64_t Ns) override;
-    bool PinLevel(int Pin, int64_t Ns) override;
-    void SetLed(int Led, bool On, int64_t Ns) override;
 
   private:
     bool LoadImage(std::vector<uint8_t>& Image);
@@ -36,7 +34,9 @@ class SimRunner : public MachineSerialLine, public MachinePins {
     std::FILE* Messages;
     std::vector<uint8_t> Ram;
     std::vector<uint8_t> InternalEeprom;
-    std::vector<MachinePinState> Pins;
+    // Nothing is wired to the pins: an input with its pull-up reads high, one
+    // without reads low, an output its own level.
+    MachineBoard Pins;
     // The end of the output, as long as the longest text looked for.
     std::string Tail;
     size_t TailLength = 0;

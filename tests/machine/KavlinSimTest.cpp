@@ -176,6 +176,37 @@ TEST_F(KavlinSimTest, MissingImageAndBadCommandLinesExitWithTwo) {
     EXPECT_EQ(Run({Image(Hello), "--colour"}).ExitCode, 2);
 }
 
+TEST_F(KavlinSimTest, UnwiredPinsReadTheirPullUpOrTheirOwnLevel) {
+    const Outcome Result = Run({Image(R"(
+Main:
+    enter 0
+    pushb 5
+    pushb 3
+    sys PinSet
+    pushb 6
+    pushb 2
+    sys PinSet
+    pushb 7
+    pushb 1
+    sys PinSet
+    pushb 5
+    sys PinRead
+    str Byte
+    sys PrintString
+    pushb 6
+    sys PinRead
+    str Byte
+    sys PrintString
+    pushb 7
+    sys PinRead
+    str Byte
+    sys PrintString
+    end
+)")});
+    EXPECT_EQ(Result.ExitCode, 0);
+    EXPECT_EQ(Result.Output, "101");
+}
+
 const std::string Echo = R"(
 Main:
     enter 0
