@@ -21,7 +21,7 @@ void SimulatedParallelPort::UninstallSimulatedBoard() {
 QString SimulatedParallelPort::DeviceName() const { return ParallelDevices::SimulatedBoardEntry(); }
 
 int64_t SimulatedParallelPort::NowNs() const {
-    return ClockService::Instance().MicroTicks() * 1000 + (Writes + Reads) * AccessNs;
+    return ClockService::Instance().MicroTicks() * 1000;
 }
 
 void SimulatedParallelPort::Claim() {

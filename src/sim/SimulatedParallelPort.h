@@ -8,15 +8,12 @@
 #include "sim/SimulatedKV10Board.h"
 
 // The parallel port with the simulated KV-10 board on its cable, as the
-// device of LPT 99. It runs as fast as the host writes; its time, which the
-// board's delays are measured in, is the clock service's plus AccessNs for
-// every register access, as a port on the ISA bus takes about a microsecond
-// for each. So a host that only polls still sees the board's time go on,
-// also in a test's virtual time.
+// device of LPT 99. It runs as fast as the host writes. Its time, in which
+// the board's delays pass, is the clock service's: the host's watchdog and
+// sleeps and the board's write cycles all run on the one clock, real in the
+// program and virtual in a test.
 class SimulatedParallelPort : public ParallelPort {
   public:
-    static constexpr int64_t AccessNs = 1000;
-
     explicit SimulatedParallelPort(
         std::shared_ptr<SimulatedKV10Board> Board = std::make_shared<SimulatedKV10Board>());
 

@@ -54,14 +54,15 @@ TEST_F(SimulatedParallelPortTest, RegistersReadBackAsWrittenAndTheStatusComesFro
     EXPECT_EQ(Port.Reads, 3);
 }
 
-TEST_F(SimulatedParallelPortTest, EveryAccessTakesAMicrosecondOfThePortsTimeBesideTheClock) {
+TEST_F(SimulatedParallelPortTest, TheBoardsTimeIsTheClockServicesAsTheHostsIs) {
     Port.Claim();
     const int64_t Start = Port.NowNs();
     Port.WriteData(1);
     Port.ReadStatus();
-    EXPECT_EQ(Port.NowNs() - Start, 2 * SimulatedParallelPort::AccessNs);
+    EXPECT_EQ(Port.NowNs(), Start) << "an access takes no time of its own";
     Clock->Sleep(3);
-    EXPECT_EQ(Port.NowNs() - Start, 2 * SimulatedParallelPort::AccessNs + 3'000'000);
+    Clock->SleepMicroseconds(250);
+    EXPECT_EQ(Port.NowNs() - Start, 3'250'000);
 }
 
 TEST_F(SimulatedParallelPortTest, AClaimCanBeRefusedAsWhenAnotherDriverHoldsThePort) {
