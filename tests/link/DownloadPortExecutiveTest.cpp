@@ -5,6 +5,7 @@
 
 #include "link/DownloadPortExecutive.h"
 #include "link/DownloadPortFixture.h"
+#include "link/PPort.h"
 #include "link/ParallelDownloader.h"
 #include "monitor/MonitorPortExecutive.h"
 #include "platform/SerialPortObject.h"
@@ -114,13 +115,46 @@ TEST_F(DownloadPortExecutiveTest, ClosingTheParallelPortLetsGoOfItsDevice) {
 }
 
 TEST_F(DownloadPortExecutiveTest, SystemReservationOfAMissingDeviceFailsWithItsCause) {
+    Kernel.AddDevice(0, 0x378);
     DownloadPortExecutive::SetLptReservation(nullptr);
-    // LPT 99 has no device of the system behind it.
-    StoreParallelPort(99, QStringLiteral("888"), true);
+    StoreParallelPort(3, QStringLiteral("888"), true);
     DownloadPortExecutive::Initialize();
     EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
     EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
-              QStringLiteral("No such device: /dev/parport98"));
+              QStringLiteral("No such device: /dev/parport2"));
+}
+
+TEST_F(DownloadPortExecutiveTest, SystemReservationHoldsTheDeviceClaimedUntilThePortCloses) {
+    Kernel.AddDevice(0, 0x378);
+    DownloadPortExecutive::SetLptReservation(nullptr);
+    StoreParallelPort(1, QStringLiteral("888"), true);
+    GlobalData::ChipType = 1;
+    DownloadPortExecutive::Initialize();
+    ASSERT_TRUE(DownloadPortExecutive::DownloadPortIsOpen());
+    EXPECT_TRUE(Kernel.Devices[0].Claimed);
+    EXPECT_TRUE(PPort::IsReserved());
+    DownloadPortExecutive::ClosePorts();
+    EXPECT_FALSE(Kernel.Devices[0].Claimed);
+    EXPECT_EQ(Kernel.OpenDescriptors(), 0);
+}
+
+TEST_F(DownloadPortExecutiveTest, SystemReservationOfADeviceTheUserMayNotOpenAsksForTheLpGroup) {
+    Kernel.AddDevice(1, 0x278).OpenErrno = EACCES;
+    DownloadPortExecutive::SetLptReservation(nullptr);
+    StoreParallelPort(2, QStringLiteral("632"), true);
+    DownloadPortExecutive::Initialize();
+    EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
+    EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
+              QStringLiteral("Permission denied: /dev/parport1; add the user to the lp group"));
+}
+
+TEST_F(DownloadPortExecutiveTest, OpeningTheParallelPortTellsItsLptNumberAndBaseToTheProgrammer) {
+    StoreParallelPort(99, QStringLiteral("632"), false);
+    DownloadPortExecutive::Initialize();
+    EXPECT_EQ(PPort::GetPortNumber(), 99);
+    EXPECT_EQ(ParallelDownloader::GetDataPort(), 632);
+    PPort::SetPortNumber(1);
+    ParallelDownloader::SetPortBase(888);
 }
 
 TEST_F(DownloadPortExecutiveTest, WrongKindOfPortAfterAChipChangeIsClosedAndStaysSaved) {
