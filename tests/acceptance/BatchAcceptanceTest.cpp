@@ -489,6 +489,57 @@ TEST_F(BatchAcceptance, CompileAndDownloadToTheSimulatedChipLogsDownloadedOkAndD
     EXPECT_EQ(InternalBytes.mid(32), QByteArray(512 - 32, '\xFF'));
 }
 
+TEST_F(BatchAcceptance, DownloadToTheSimulatedKV10BoardLeavesTheImageAndTheBlockInItsFiles) {
+    // A KV-10 project with its pins at their defaults but pin 39 high.
+    ASSERT_TRUE(PrfImageBuilder()
+                    .AllPins(kvInputTristate)
+                    .DefaultValues(1)
+                    .Pin(39, kvOutputHigh)
+                    .Save(Work + QStringLiteral("/blink.prf")));
+    WriteSettings(Install,
+                  "Chip_Type=KV10\nPort_Number=99\nPort_Mode=Parallel\n"
+                  "Port_Address=888\nPort_Reserve=False\n");
+    QByteArray Program(1000, '\0');
+    for (int Address = 0; Address < Program.size(); ++Address) {
+        Program[Address] = static_cast<char>(Address * 3 + 11);
+    }
+    Touch(Work + QStringLiteral("/blink.kvb"), Program);
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/d")}), 0);
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
+                           QStringLiteral("Download: ") + Work + QStringLiteral("/blink.kvb"),
+                           QStringLiteral("Program downloaded OK"), QStringLiteral("Done.")}))
+        << StandardError.toStdString();
+    // The board's memories, as it keeps them between runs: the image from
+    // address 0 of the SPI EEPROM, its last page padded with blanks, and the
+    // KV-10 block at addresses 0 to 18 and 31 of the internal EEPROM.
+    QFile Spi(Data + QStringLiteral("/Kavlin/SimulatedBoard/spi-eeprom.bin"));
+    ASSERT_TRUE(Spi.open(QIODevice::ReadOnly));
+    const QByteArray SpiBytes = Spi.readAll();
+    ASSERT_EQ(SpiBytes.size(), 32768);
+    EXPECT_EQ(SpiBytes.left(1000), Program);
+    EXPECT_EQ(SpiBytes.mid(1000, 24), QByteArray(24, ' '));
+    EXPECT_EQ(SpiBytes.mid(1024), QByteArray(32768 - 1024, '\xFF'));
+    QFile Internal(Data + QStringLiteral("/Kavlin/SimulatedBoard/internal-eeprom.bin"));
+    ASSERT_TRUE(Internal.open(QIODevice::ReadOnly));
+    const QByteArray InternalBytes = Internal.readAll();
+    ASSERT_EQ(InternalBytes.size(), 512);
+    QByteArray Block(19, '\0');
+    Block[1] = 4;                        // port D data, bit 2 always set
+    Block[9] = 1;                        // port A direction: pin 39 an output
+    Block[10] = 1;                       // port A data: pin 39 high
+    Block[11] = static_cast<char>(255);  // node address 65279, low byte
+    Block[12] = static_cast<char>(254);  // its high byte
+    Block[13] = static_cast<char>(254);  // group address
+    EXPECT_EQ(InternalBytes.left(19), Block);
+    EXPECT_EQ(InternalBytes.mid(19, 12), QByteArray(12, '\xFF')) << "19 to 30 are not written";
+    EXPECT_EQ(InternalBytes.at(31), '\xFF');
+    EXPECT_EQ(InternalBytes.mid(32), QByteArray(512 - 32, '\xFF'));
+    // The serial chip's files are another device's.
+    EXPECT_FALSE(
+        QFile::exists(Data + QStringLiteral("/Kavlin/SimulatedBoard/external-eeprom.bin")));
+}
+
 TEST_F(BatchAcceptance, DownloadToAPortWithNothingBehindItLogsTheHaltErrorAndDone) {
     // A pseudo-terminal whose far end nobody answers, as a cable with no chip.
     int Master = -1;
