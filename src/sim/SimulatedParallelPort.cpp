@@ -43,49 +43,33 @@ void SimulatedParallelPort::Release() {
     Board_->SaveEeproms(NowNs());
 }
 
-bool SimulatedParallelPort::Reachable() {
+bool SimulatedParallelPort::Reachable(int64_t& Count) {
     if (!Claimed_) {
         ++DroppedAccesses;
+        return false;
     }
-    return Claimed_;
+    ++Count;
+    return true;
 }
 
 void SimulatedParallelPort::WriteData(uint8_t Value) {
-    if (Reachable()) {
-        ++Writes;
+    if (Reachable(Writes)) {
         Data_ = Value;
         Board_->DataLines(Value, NowNs());
     }
 }
 
-uint8_t SimulatedParallelPort::ReadData() {
-    if (!Reachable()) {
-        return 0xFF;
-    }
-    ++Reads;
-    return Data_;
-}
+uint8_t SimulatedParallelPort::ReadData() { return Reachable(Reads) ? Data_ : 0xFF; }
 
 uint8_t SimulatedParallelPort::ReadStatus() {
-    if (!Reachable()) {
-        return 0xFF;
-    }
-    ++Reads;
-    return Board_->StatusLines(NowNs());
+    return Reachable(Reads) ? Board_->StatusLines(NowNs()) : 0xFF;
 }
 
 void SimulatedParallelPort::WriteControl(uint8_t Value) {
-    if (Reachable()) {
-        ++Writes;
+    if (Reachable(Writes)) {
         Control_ = Value;
         Board_->ControlLines(Value, NowNs());
     }
 }
 
-uint8_t SimulatedParallelPort::ReadControl() {
-    if (!Reachable()) {
-        return 0xFF;
-    }
-    ++Reads;
-    return Control_;
-}
+uint8_t SimulatedParallelPort::ReadControl() { return Reachable(Reads) ? Control_ : 0xFF; }

@@ -50,7 +50,8 @@ class SimulatedParallelPort : public ParallelPort {
     uint8_t Control() const { return Control_; }
 
   private:
-    bool Reachable();
+    // Counts the access in Count when the port is claimed, else as dropped.
+    bool Reachable(int64_t& Count);
 
     std::shared_ptr<SimulatedKV10Board> Board_;
     bool Claimed_ = false;

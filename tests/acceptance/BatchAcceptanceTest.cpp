@@ -113,6 +113,13 @@ class BatchAcceptance : public ::testing::Test {
         return QString::fromUtf8(Record.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
 
+    // A memory file that a simulated device keeps in the user's data folder.
+    QByteArray KeptFile(const QString& RelativeName) const {
+        QFile File(Data + QStringLiteral("/Kavlin/") + RelativeName);
+        EXPECT_TRUE(File.open(QIODevice::ReadOnly)) << RelativeName.toStdString();
+        return File.readAll();
+    }
+
     QStringList LogLines() const {
         QFile Log(Work + QStringLiteral("/Kavlin.err"));
         if (!Log.open(QIODevice::ReadOnly)) {
@@ -469,15 +476,11 @@ TEST_F(BatchAcceptance, CompileAndDownloadToTheSimulatedChipLogsDownloadedOkAndD
     ASSERT_TRUE(Image.open(QIODevice::ReadOnly));
     const QByteArray Program = Image.readAll();
     ASSERT_EQ(Program.size(), 1000);
-    QFile External(Data + QStringLiteral("/Kavlin/SimulatedChip/external-eeprom.bin"));
-    ASSERT_TRUE(External.open(QIODevice::ReadOnly));
-    const QByteArray ExternalBytes = External.readAll();
+    const QByteArray ExternalBytes = KeptFile(QStringLiteral("SimulatedChip/external-eeprom.bin"));
     ASSERT_EQ(ExternalBytes.size(), 32768);
     EXPECT_EQ(ExternalBytes.left(1000), Program);
     EXPECT_EQ(ExternalBytes.mid(1000), QByteArray(32768 - 1000, '\xFF'));
-    QFile Internal(Data + QStringLiteral("/Kavlin/SimulatedChip/internal-eeprom.bin"));
-    ASSERT_TRUE(Internal.open(QIODevice::ReadOnly));
-    const QByteArray InternalBytes = Internal.readAll();
+    const QByteArray InternalBytes = KeptFile(QStringLiteral("SimulatedChip/internal-eeprom.bin"));
     ASSERT_EQ(InternalBytes.size(), 512);
     QByteArray Block(32, '\0');
     Block[0] = 2;
@@ -513,16 +516,12 @@ TEST_F(BatchAcceptance, DownloadToTheSimulatedKV10BoardLeavesTheImageAndTheBlock
     // The board's memories, as it keeps them between runs: the image from
     // address 0 of the SPI EEPROM, its last page padded with blanks, and the
     // KV-10 block at addresses 0 to 18 and 31 of the internal EEPROM.
-    QFile Spi(Data + QStringLiteral("/Kavlin/SimulatedBoard/spi-eeprom.bin"));
-    ASSERT_TRUE(Spi.open(QIODevice::ReadOnly));
-    const QByteArray SpiBytes = Spi.readAll();
+    const QByteArray SpiBytes = KeptFile(QStringLiteral("SimulatedBoard/spi-eeprom.bin"));
     ASSERT_EQ(SpiBytes.size(), 32768);
     EXPECT_EQ(SpiBytes.left(1000), Program);
     EXPECT_EQ(SpiBytes.mid(1000, 24), QByteArray(24, ' '));
     EXPECT_EQ(SpiBytes.mid(1024), QByteArray(32768 - 1024, '\xFF'));
-    QFile Internal(Data + QStringLiteral("/Kavlin/SimulatedBoard/internal-eeprom.bin"));
-    ASSERT_TRUE(Internal.open(QIODevice::ReadOnly));
-    const QByteArray InternalBytes = Internal.readAll();
+    const QByteArray InternalBytes = KeptFile(QStringLiteral("SimulatedBoard/internal-eeprom.bin"));
     ASSERT_EQ(InternalBytes.size(), 512);
     QByteArray Block(19, '\0');
     Block[1] = 4;                        // port D data, bit 2 always set

@@ -7,7 +7,7 @@
 #include "chip/PrfImageBuilder.h"
 #include "frame/GlobalData.h"
 #include "frame/frmSplash.h"
-#include "link/DownloadPortFixture.h"
+#include "link/DownloaderWindowFixture.h"
 #include "link/PPort.h"
 #include "link/ParallelDownloader.h"
 #include "link/frmDownloadPortParallel.h"
@@ -23,38 +23,39 @@ namespace {
 // the simulated board (LPT 99) as download port, a program image with its
 // preference file beside it. A yield of the programmer's waits takes 100 us
 // of virtual time; the window's own timer is its watchdog, in real time.
-class KV10WindowTest : public DownloadPortFixture {
+class KV10WindowTest : public DownloaderWindowFixture {
   protected:
     void SetUp() override {
-        DownloadPortFixture::SetUp();
+        DownloaderWindowFixture::SetUp();
         MakeGoodInstallation();
         SetSetting(QStringLiteral("Chip_Type"), QStringLiteral("KV10"));
         StoreParallelPort(ParallelDevices::SimulatedBoardPort, QStringLiteral("888"), false);
         Board = std::make_shared<SimulatedParallelPort>();
         SimulatedParallelPort::InstallAsSimulatedBoard(Board);
         Clock->DoEventsMicroseconds = 100;
-        frmDownloader::ResetProcessEnded();
     }
     void TearDown() override {
         Global<frmDownloadPortParallel>::Unload();
-        Global<frmSplash>::Unload();
-        Global<frmDownloader>::Unload();
-        Global<ProjectType>::Unload();
-        GlobalData::DownloadFilename.clear();
-        GlobalData::ProjectFilename.clear();
+        UnloadWindows();
         DownloadPortExecutive::ClosePorts();
         SimulatedParallelPort::UninstallSimulatedBoard();
         PPort::SetPortNumber(1);
-        frmDownloader::ResetProcessEnded();
-        DownloadPortFixture::TearDown();
+        GlobalData::CodeSize = 0;
+        GlobalData::PersistentSize = 0;
+        DownloaderWindowFixture::TearDown();
     }
+    // The window as start-up leaves it, with the progress bar's values kept.
     frmDownloader& Load() {
-        frmDownloader& Window = Global<frmDownloader>::Get();
-        Window.Form_Load();
-        Window.show();
+        frmDownloader& Window = DownloaderWindowFixture::Load();
         QObject::connect(Window.ProgressBar1, &QProgressBar::valueChanged,
                          [this](int Value) { ProgressValues << Value; });
         return Window;
+    }
+    // DownloadProgram as the batch and the editor call it; its Success.
+    static bool DownloadProgram(frmDownloader& Window) {
+        bool Success = true;
+        Window.DownloadProgram(Success);
+        return Success;
     }
     // An image of Size bytes (byte n is n * 5 + 1) with a KV-10 preference
     // file beside it; record 609 holds CodeLocation. The window has it open.
@@ -90,14 +91,6 @@ class KV10WindowTest : public DownloadPortFixture {
     QByteArray Spi(int Size) const {
         return QByteArray(reinterpret_cast<const char*>(Board->Board().SpiEeprom.Memory.data()),
                           Size);
-    }
-    static void Click(frmDownloader& Window, const QString& Key) {
-        QWidget* Button = Window.ToolBar->widgetForAction(Window.ToolBarButton(Key));
-        ASSERT_NE(Button, nullptr) << Key.toStdString();
-        QTest::mouseClick(Button, Qt::LeftButton);
-    }
-    static QString Panel(frmDownloader& Window, int Number) {
-        return Window.StatusBarPanels[Number - 1]->text();
     }
     QStringList BoxTexts() const {
         QStringList Texts;
@@ -217,9 +210,7 @@ TEST_F(KV10WindowTest, CodeTooLargeForTheInternalEepromFailsWithTheDownloadsSeco
     frmDownloader& Window = Load();
     GlobalData::CodeSize = 500;
     Open(Window, 500, 1);
-    bool Success = true;
-    Window.DownloadProgram(Success);
-    EXPECT_FALSE(Success);
+    EXPECT_FALSE(DownloadProgram(Window));
     EXPECT_EQ(BoxTexts(),
               (QStringList{QStringLiteral("Code larger than 512 bytes | Code Size Error"),
                            QStringLiteral("Download error:\n | Download Error")}));
@@ -232,9 +223,7 @@ TEST_F(KV10WindowTest, ARunTimeErrorOfTheDownloadIsToldByTheWindowsTrap) {
     GlobalData::CodeSize = 100;
     GlobalData::PersistentSize = 300;
     Open(Window, 100, 1);
-    bool Success = true;
-    Window.DownloadProgram(Success);
-    EXPECT_FALSE(Success);
+    EXPECT_FALSE(DownloadProgram(Window));
     EXPECT_EQ(BoxTexts(),
               QStringList({QStringLiteral("Download error:\nOverflow | Download Error")}));
     EXPECT_TRUE(Board->Board().InternalWrites.empty());
