@@ -28,6 +28,14 @@ class RecordingSerialLink : public DownloadPortExecutive::SerialLink {
 
 class DownloadPortExecutiveTest : public DownloadPortFixture {
   protected:
+    // Opens LPT PortNumber, reserved, with the reservation the program makes
+    // (on the fixture's fake kernel).
+    void OpenReservedWithTheSystemsReservation(int16_t PortNumber, const QString& Address) {
+        DownloadPortExecutive::SetLptReservation(nullptr);
+        StoreParallelPort(PortNumber, Address, true);
+        DownloadPortExecutive::Initialize();
+    }
+
     // Outlives the fixture's closing of the ports.
     RecordingSerialLink Link;
 };
@@ -116,9 +124,7 @@ TEST_F(DownloadPortExecutiveTest, ClosingTheParallelPortLetsGoOfItsDevice) {
 
 TEST_F(DownloadPortExecutiveTest, SystemReservationOfAMissingDeviceFailsWithItsCause) {
     Kernel.AddDevice(0, 0x378);
-    DownloadPortExecutive::SetLptReservation(nullptr);
-    StoreParallelPort(3, QStringLiteral("888"), true);
-    DownloadPortExecutive::Initialize();
+    OpenReservedWithTheSystemsReservation(3, QStringLiteral("888"));
     EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
     EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
               QStringLiteral("No such device: /dev/parport2"));
@@ -126,10 +132,8 @@ TEST_F(DownloadPortExecutiveTest, SystemReservationOfAMissingDeviceFailsWithItsC
 
 TEST_F(DownloadPortExecutiveTest, SystemReservationHoldsTheDeviceClaimedUntilThePortCloses) {
     Kernel.AddDevice(0, 0x378);
-    DownloadPortExecutive::SetLptReservation(nullptr);
-    StoreParallelPort(1, QStringLiteral("888"), true);
     GlobalData::ChipType = 1;
-    DownloadPortExecutive::Initialize();
+    OpenReservedWithTheSystemsReservation(1, QStringLiteral("888"));
     ASSERT_TRUE(DownloadPortExecutive::DownloadPortIsOpen());
     EXPECT_TRUE(Kernel.Devices[0].Claimed);
     EXPECT_TRUE(PPort::IsReserved());
@@ -140,9 +144,7 @@ TEST_F(DownloadPortExecutiveTest, SystemReservationHoldsTheDeviceClaimedUntilThe
 
 TEST_F(DownloadPortExecutiveTest, SystemReservationOfADeviceTheUserMayNotOpenAsksForTheLpGroup) {
     Kernel.AddDevice(1, 0x278).OpenErrno = EACCES;
-    DownloadPortExecutive::SetLptReservation(nullptr);
-    StoreParallelPort(2, QStringLiteral("632"), true);
-    DownloadPortExecutive::Initialize();
+    OpenReservedWithTheSystemsReservation(2, QStringLiteral("632"));
     EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
     EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
               QStringLiteral("Permission denied: /dev/parport1; add the user to the lp group"));

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 #include "chip/ConfigurationBytes.h"
@@ -14,6 +15,44 @@
 #include "platform/ParallelDevices.h"
 #include "sim/SimulatedParallelPort.h"
 #include "support/FrameFixture.h"
+
+// What a test reads of the simulated board after a download, and of the
+// boxes shown (text and title), for the programmer's tests and the window's.
+namespace KV10Check {
+
+inline QByteArray Spi(const SimulatedKV10Board& Board, int From, int Size) {
+    return QByteArray(reinterpret_cast<const char*>(Board.SpiEeprom.Memory.data()) + From, Size);
+}
+
+inline QByteArray Internal(const SimulatedKV10Board& Board, int From, int Size) {
+    return QByteArray(reinterpret_cast<const char*>(Board.InternalEeprom.data()) + From, Size);
+}
+
+// Addresses 0 to 18 and 31 of the internal EEPROM: what the programmer writes.
+inline QByteArray WrittenBlock(const SimulatedKV10Board& Board) {
+    return Internal(Board, 0, 19) + static_cast<char>(Board.InternalEeprom[31]);
+}
+
+// The same addresses of the block that the preference file of the project
+// (ProjectFilename) gives.
+inline QByteArray ExpectedWrittenBlock() {
+    ConfigurationBytes::RegisterArray Registers{};
+    ConfigurationBytes::ConfigureKV10(Registers);
+    const ConfigurationBytes::ConfigurationBlock Block =
+        ConfigurationBytes::BlockKV10(Registers, GlobalData::PersistentSize);
+    return QByteArray(reinterpret_cast<const char*>(Block.data()), 19) +
+           static_cast<char>(Block[31]);
+}
+
+inline QStringList BoxTexts(const ScriptedMessageBoxService& Boxes) {
+    QStringList Texts;
+    for (const auto& Box : Boxes.Boxes) {
+        Texts << Box.Text + QStringLiteral(" | ") + Box.Title;
+    }
+    return Texts;
+}
+
+}  // namespace KV10Check
 
 // The KV-10's programmer in a test: the simulated board as LPT 99 at the
 // first port's address, settings in memory, virtual time in which every
@@ -67,38 +106,13 @@ class KV10Fixture : public FrameFixture {
         return Image;
     }
 
-    // The block the board must hold for the preference file of the project.
-    ConfigurationBytes::ConfigurationBlock ExpectedBlock() const {
-        ConfigurationBytes::RegisterArray Registers{};
-        ConfigurationBytes::ConfigureKV10(Registers);
-        return ConfigurationBytes::BlockKV10(Registers, GlobalData::PersistentSize);
-    }
-    // Addresses 0 to 18 and 31 of the internal EEPROM: what the programmer writes.
-    QByteArray WrittenBlock() const {
-        const auto& Memory = Port->Board().InternalEeprom;
-        return QByteArray(reinterpret_cast<const char*>(Memory.data()), 19) +
-               static_cast<char>(Memory[31]);
-    }
-    QByteArray ExpectedWrittenBlock() const {
-        const ConfigurationBytes::ConfigurationBlock Block = ExpectedBlock();
-        return QByteArray(reinterpret_cast<const char*>(Block.data()), 19) +
-               static_cast<char>(Block[31]);
-    }
-    QByteArray Spi(int From, int Size) const {
-        return QByteArray(
-            reinterpret_cast<const char*>(Port->Board().SpiEeprom.Memory.data()) + From, Size);
-    }
+    QByteArray ExpectedWrittenBlock() const { return KV10Check::ExpectedWrittenBlock(); }
+    QByteArray WrittenBlock() const { return KV10Check::WrittenBlock(Port->Board()); }
+    QByteArray Spi(int From, int Size) const { return KV10Check::Spi(Port->Board(), From, Size); }
     QByteArray Internal(int From, int Size) const {
-        return QByteArray(reinterpret_cast<const char*>(Port->Board().InternalEeprom.data()) + From,
-                          Size);
+        return KV10Check::Internal(Port->Board(), From, Size);
     }
-    QStringList BoxTexts() const {
-        QStringList Texts;
-        for (const auto& Box : Boxes->Boxes) {
-            Texts << Box.Text + QStringLiteral(" | ") + Box.Title;
-        }
-        return Texts;
-    }
+    QStringList BoxTexts() const { return KV10Check::BoxTexts(*Boxes); }
 
     std::shared_ptr<SimulatedParallelPort> Port;
     QString DebugText;

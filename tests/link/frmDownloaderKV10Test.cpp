@@ -8,6 +8,7 @@
 #include "frame/GlobalData.h"
 #include "frame/frmSplash.h"
 #include "link/DownloaderWindowFixture.h"
+#include "link/KV10Fixture.h"
 #include "link/PPort.h"
 #include "link/ParallelDownloader.h"
 #include "link/frmDownloadPortParallel.h"
@@ -76,29 +77,10 @@ class KV10WindowTest : public DownloaderWindowFixture {
         EXPECT_EQ(FileSizeKVB, Size);
         return Image;
     }
-    QByteArray ExpectedBlock() const {
-        ConfigurationBytes::RegisterArray Registers{};
-        ConfigurationBytes::ConfigureKV10(Registers);
-        const auto Block = ConfigurationBytes::BlockKV10(Registers, GlobalData::PersistentSize);
-        return QByteArray(reinterpret_cast<const char*>(Block.data()), 19) +
-               static_cast<char>(Block[31]);
-    }
-    QByteArray WrittenBlock() const {
-        const auto& Memory = Board->Board().InternalEeprom;
-        return QByteArray(reinterpret_cast<const char*>(Memory.data()), 19) +
-               static_cast<char>(Memory[31]);
-    }
-    QByteArray Spi(int Size) const {
-        return QByteArray(reinterpret_cast<const char*>(Board->Board().SpiEeprom.Memory.data()),
-                          Size);
-    }
-    QStringList BoxTexts() const {
-        QStringList Texts;
-        for (const auto& Box : Boxes->Boxes) {
-            Texts << Box.Text + QStringLiteral(" | ") + Box.Title;
-        }
-        return Texts;
-    }
+    QByteArray ExpectedBlock() const { return KV10Check::ExpectedWrittenBlock(); }
+    QByteArray WrittenBlock() const { return KV10Check::WrittenBlock(Board->Board()); }
+    QByteArray Spi(int Size) const { return KV10Check::Spi(Board->Board(), 0, Size); }
+    QStringList BoxTexts() const { return KV10Check::BoxTexts(*Boxes); }
     static bool CommandsEnabled(frmDownloader& Window) {
         for (const char* Key : {"Stop", "Run", "Reset", "Download"}) {
             if (!Window.ToolBarButton(QString::fromLatin1(Key))->isEnabled()) {
