@@ -14,6 +14,7 @@
 #include "platform/QtMessageBoxService.h"
 #include "project/ProjectType.h"
 #include "sim/SimulatedChipStore.h"
+#include "sim/SimulatedParallelPort.h"
 #include "sim/SimulatedSerialLine.h"
 
 namespace {
@@ -83,6 +84,11 @@ int main(int argc, char** argv) {
     SimulatedChip->Chip().KeepEepromsIn(
         std::make_unique<SimulatedChipStore>(SimulatedChipStore::DefaultFolder()));
     SimulatedSerialLine::InstallAsSimulatedChip(SimulatedChip);
+    // LPT 99, the simulated KV-10 board, keeps its EEPROMs beside the chip's.
+    const auto SimulatedBoard = std::make_shared<SimulatedParallelPort>();
+    SimulatedBoard->Board().KeepEepromsIn(
+        SimulatedChipStore::ForBoard(SimulatedChipStore::DefaultBoardFolder()));
+    SimulatedParallelPort::InstallAsSimulatedBoard(SimulatedBoard);
 
     frmDownloader& Downloader = Global<frmDownloader>::Get();
     Downloader.Form_Load();

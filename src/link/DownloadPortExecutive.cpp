@@ -1,16 +1,12 @@
 #include "link/DownloadPortExecutive.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-
 #include "frame/GlobalData.h"
 #include "frame/RegistryCentral.h"
+#include "link/PPort.h"
 #include "link/ParallelDownloader.h"
 #include "monitor/MonitorPortExecutive.h"
 #include "platform/ErrObject.h"
+#include "platform/ParallelDevices.h"
 #include "platform/SerialDevices.h"
 #include "platform/SerialPortObject.h"
 
@@ -49,33 +45,13 @@ class OwnSerialLink : public SerialLink {
     SerialPortObject Port;
 };
 
-// ppdev lets the device be opened by anyone allowed to; holding it open is
-// what keeps a second program of ours, and a careful other one, off the port.
+// The device is opened and claimed, and held so between transfers: no other
+// program or driver can take the port meanwhile, and the transfers use it as
+// it stands.
 class SystemLptReservation : public LptReservation {
   public:
-    int Open(const QString& Device) override {
-        const int File =
-            ::open(Device.toLocal8Bit().constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-        if (File < 0) {
-            const int Cause = errno;
-            switch (Cause) {
-                case EACCES:
-                case EPERM:
-                    RaiseError(70,
-                               QStringLiteral("Permission denied: add the user to the lp group"));
-                case ENOENT:
-                case ENODEV:
-                case ENXIO:
-                    RaiseError(68, QStringLiteral("No such device: ") + Device);
-                case EBUSY:
-                    RaiseError(70, QStringLiteral("In use by another program"));
-                default:
-                    RaiseError(68, QString::fromLocal8Bit(std::strerror(Cause)));
-            }
-        }
-        return File;
-    }
-    void Close(int FileNumber) override { ::close(FileNumber); }
+    int Open(const QString& Device) override { return PPort::Reserve(Device); }
+    void Close(int FileNumber) override { PPort::Unreserve(FileNumber); }
 };
 
 SerialLink* InstalledSerialLink = nullptr;
@@ -146,6 +122,7 @@ void OpenParallelPort() {
     try {
         ClosePorts();
         ParallelDownloader::SetPortBase(DownloadPort.Address());
+        PPort::SetPortNumber(DownloadPort.PortNumber());
         if (DownloadPort.Reserve()) {
             ReserveFileNumber = Reservation().Open(LptDevice(DownloadPort.PortNumber()));
             ReserveFileIsOpen = true;
@@ -177,9 +154,7 @@ SerialLink* GetSerialLink() { return InstalledSerialLink; }
 
 void SetLptReservation(LptReservation* NewReservation) { InstalledReservation = NewReservation; }
 
-QString LptDevice(int16_t PortNumber) {
-    return QStringLiteral("/dev/parport") + QString::number(PortNumber - 1);
-}
+QString LptDevice(int16_t PortNumber) { return ParallelDevices::DeviceForLpt(PortNumber); }
 
 void Initialize() {
     PortIsOpen = false;

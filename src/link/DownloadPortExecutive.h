@@ -24,8 +24,8 @@ class SerialLink {
 class LptReservation {
   public:
     virtual ~LptReservation() = default;
-    // Opens the device for output without blocking and returns its file
-    // number; a failure raises a run-time error that names the cause.
+    // Opens and claims the device and returns its number; a failure raises a
+    // run-time error that names the device and the cause.
     virtual int Open(const QString& Device) = 0;
     virtual void Close(int FileNumber) = 0;
 };
@@ -36,7 +36,8 @@ void SetSerialLink(SerialLink* Link);
 SerialLink* GetSerialLink();
 void SetLptReservation(LptReservation* Reservation);
 
-// The device that LPT PortNumber stands for.
+// The device that LPT PortNumber stands for: /dev/parport<n-1>, or the
+// simulated board for LPT 99.
 QString LptDevice(int16_t PortNumber);
 
 // Clears the flags, reads the set-up from the store, then applies it.

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "link/DownloadPortExecutive.h"
+#include "platform/ParallelDevices.h"
 #include "platform/Val.h"
 
 namespace {
@@ -31,6 +32,13 @@ frmDownloadPortParallel::frmDownloadPortParallel() {
     cboParallelPortNumber->setToolTip(QStringLiteral("Choose the LPT number here"));
     for (int Number = 1; Number <= 16; ++Number) {
         cboParallelPortNumber->addItem(QString::number(Number));
+    }
+    // The port's number leads its text, so that reading the number back
+    // takes the text's numeric value as for the others.
+    if (ParallelDevices::SimulatedDeviceInstalled()) {
+        cboParallelPortNumber->addItem(QString::number(ParallelDevices::SimulatedBoardPort) +
+                                       QStringLiteral(" - ") +
+                                       ParallelDevices::SimulatedBoardEntry());
     }
     auto* PortLayout = new QGridLayout(fraParallelPort);
     PortLayout->addWidget(lblParallelPortNumber, 0, 0);
@@ -132,8 +140,13 @@ void frmDownloadPortParallel::FillControls() {
             break;
     }
     const int16_t Number = LocalPort.PortNumber();
-    cboParallelPortNumber->setCurrentIndex(
-        Number < 1 || Number > cboParallelPortNumber->count() ? 0 : Number - 1);
+    int Index = 0;
+    for (int Entry = 0; Entry < cboParallelPortNumber->count(); ++Entry) {
+        if (ValToLong(cboParallelPortNumber->itemText(Entry)) == Number) {
+            Index = Entry;
+        }
+    }
+    cboParallelPortNumber->setCurrentIndex(Index);
     chkPortReserve->setChecked(LocalPort.Reserve());
     ShowStatus();
 }

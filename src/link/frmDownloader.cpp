@@ -61,6 +61,21 @@ class SourceEditorShutdown : public EditorShutdownHandler {
 SourceEditorShutdown TheSourceEditorShutdown;
 EditorShutdownHandler* EditorShutdown = &TheSourceEditorShutdown;
 
+// The window's timer as the KV-10 programmer sees it; its event loop fires
+// it inside the yields of the programmer's waits.
+class WindowEEPROMTimer : public ParallelDownloader::EEPROMTimer {
+  public:
+    explicit WindowEEPROMTimer(QTimer& Timer) : Timer_(Timer) {}
+    void SetInterval(int32_t Milliseconds) override { Timer_.setInterval(Milliseconds); }
+    void Start() override { Timer_.start(); }
+    void Stop() override { Timer_.stop(); }
+    bool IsRunning() const override { return Timer_.isActive(); }
+    int32_t Interval() const override { return Timer_.interval(); }
+
+  private:
+    QTimer& Timer_;
+};
+
 }  // namespace
 
 frmDownloader::frmDownloader() {
@@ -101,6 +116,10 @@ frmDownloader::frmDownloader() {
     connect(tmrSerialInputPoller, &QTimer::timeout, this,
             &frmDownloader::tmrSerialInputPoller_Timer);
     tmrSerialInputPoller->start();
+    tmrEEPROMtimeout = new QTimer(this);
+    tmrEEPROMtimeout->setObjectName(QStringLiteral("tmrEEPROMtimeout"));
+    connect(tmrEEPROMtimeout, &QTimer::timeout, this, &frmDownloader::tmrEEPROMtimeout_Timer);
+    EEPROMWatchdog = std::make_unique<WindowEEPROMTimer>(*tmrEEPROMtimeout);
 
     fraComDataError = new QFrame(this);
     fraComDataError->setObjectName(QStringLiteral("fraComDataError"));
@@ -145,6 +164,9 @@ frmDownloader::frmDownloader() {
     XSerialDownloader::Attach(
         KavlinControl1, comMonitorPort, [this](const QString& Text) { AppendToDebugWindow(Text); },
         ProgressBar1);
+    ParallelDownloader::Attach([this](const QString& Text) { AppendToDebugWindow(Text); },
+                               [this](int32_t Value) { ProgressBar1->setValue(Value); },
+                               EEPROMWatchdog.get());
 }
 
 frmDownloader::~frmDownloader() {
@@ -157,6 +179,8 @@ frmDownloader::~frmDownloader() {
         MonitorPortExecutive::SetPortObject(nullptr);
     }
     XSerialDownloader::Detach();
+    ParallelDownloader::Detach();
+    tmrEEPROMtimeout->stop();
     delete comMonitorPort;
     GlobalData::SetEditorButtonHandler({});
     if (Global<frmSourceEditor>::IsLoaded()) {
@@ -673,11 +697,15 @@ void frmDownloader::ShowRunState(const QString& Power, const QString& Run) {
     StatusBarPanels[1]->setText(Run);
 }
 
-void frmDownloader::ReportKV10Unavailable() {
-    ErrorDisplay::ShowErrorMessage(
-        QStringLiteral("The KV-10 programmer on the parallel port is not available in this "
-                       "version"),
-        QStringLiteral("Processor Type Error"));
+void frmDownloader::tmrEEPROMtimeout_Timer() { ParallelDownloader::tmrEEPROMtimeout_Timer(); }
+
+void frmDownloader::RunKV10LineState(void (*LineState)()) {
+    try {
+        LineState();
+    } catch (...) {
+        TakeCurrentException();
+        ErrorDisplay::ShowErrorMessage(Err().Description, QStringLiteral("Download Port Error"));
+    }
 }
 
 void frmDownloader::cmdDownload_Click() {
@@ -712,7 +740,7 @@ void frmDownloader::cmdPowerDown_Click() {
     }
     SetDownloaderEnabled(false);
     if (GlobalData::ChipType == 1) {
-        ReportKV10Unavailable();
+        RunKV10LineState(&ParallelDownloader::PowerDownKV10);
     } else if (GlobalData::ChipType == 2 || GlobalData::ChipType == 3) {
         XSerialDownloader::PowerDownChip();
     }
@@ -727,7 +755,8 @@ void frmDownloader::cmdResetCPU_Click() {
     try {
         SetDownloaderEnabled(false);
         if (GlobalData::ChipType == 1) {
-            ReportKV10Unavailable();
+            // A port that cannot be had is told by the trap below.
+            ParallelDownloader::ResetKV10();
         } else if (GlobalData::ChipType == 2 || GlobalData::ChipType == 3) {
             XSerialDownloader::ResetChip();
         }
@@ -807,7 +836,7 @@ void frmDownloader::ShowImageSize(int32_t FileSizeKVB) {
 void frmDownloader::LoadImage(QFile& File, int32_t FileSizeKVB) {
     switch (GlobalData::ChipType) {
         case 1:
-            KV10Image = File.read(FileSizeKVB);
+            ParallelDownloader::ReadProgramString(File, FileSizeKVB);
             break;
         case 2:
         case 3:
@@ -842,7 +871,8 @@ void frmDownloader::DownloadProgram(bool& Success) {
         LoadImage(File, FileSizeKVB);
         File.close();
     }
-    SetDebugWindowText(QStringLiteral("\r\n*** Opening file: ") + Filename + QStringLiteral("\r\n"));
+    SetDebugWindowText(QStringLiteral("\r\n*** Opening file: ") + Filename +
+                       QStringLiteral("\r\n"));
     // Said before the chip is touched, and left standing if the download fails.
     ShowRunState(QStringLiteral("Power is ON"), QStringLiteral("RESET"));
     if (!FileIsOpen) {
@@ -869,7 +899,7 @@ void frmDownloader::DownloadProgram(bool& Success) {
         bool Downloaded = false;
         switch (GlobalData::ChipType) {
             case 1:
-                ReportKV10Unavailable();
+                ParallelDownloader::ParallelDownload(FileSizeKVB, Downloaded);
                 break;
             case 2:
                 XSerialDownloader::DownloadKV20(FileSizeKVB, Downloaded);
@@ -908,7 +938,7 @@ void frmDownloader::ExecuteProgram() {
     SetDownloaderEnabled(false);
     switch (GlobalData::ChipType) {
         case 1:
-            ReportKV10Unavailable();
+            RunKV10LineState(&ParallelDownloader::ExecuteKV10);
             break;
         case 2:
         case 3:

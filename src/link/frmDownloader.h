@@ -13,11 +13,13 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QVector>
+#include <memory>
 
 #include "frame/CommandLineInterpreter.h"
 #include "frame/FormGeometry.h"
 #include "frame/WindowGeometry.h"
 #include "link/KavlinControl.h"
+#include "link/ParallelDownloader.h"
 #include "platform/SerialPortObject.h"
 
 // How the downloader reaches an open editor at shutdown without loading one.
@@ -123,6 +125,8 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     // The monitor port and its poll.
     SerialPortObject* comMonitorPort;
     QTimer* tmrSerialInputPoller;
+    // The watchdog of the KV-10 download's EEPROM waits; off at design.
+    QTimer* tmrEEPROMtimeout;
     QFrame* fraComDataError;
     QLabel* picComErrorIndicator;
     QLabel* lblComStatus;
@@ -147,6 +151,7 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void cmdClearWindow_Click();
     void cmdClearComError_Click();
     void tmrSerialInputPoller_Timer();
+    void tmrEEPROMtimeout_Timer();
 
   protected:
     void closeEvent(QCloseEvent* Event) override;
@@ -160,7 +165,8 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void ShowImageSize(int32_t FileSizeKVB);
     // Holds the image as the chip model wants it.
     void LoadImage(QFile& File, int32_t FileSizeKVB);
-    void ReportKV10Unavailable();
+    // A KV-10 line state; a port that cannot be had is told in a box.
+    void RunKV10LineState(void (*LineState)());
     void BuildMenus();
     void BuildToolBar();
     void BuildStatusBar();
@@ -176,6 +182,6 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     bool Polling = false;
     QString DebugText;
     WindowGeometry Placement;
-    // The KV-10's image, as its programmer takes it.
-    QByteArray KV10Image;
+    // tmrEEPROMtimeout as the KV-10 programmer's watchdog.
+    std::unique_ptr<ParallelDownloader::EEPROMTimer> EEPROMWatchdog;
 };

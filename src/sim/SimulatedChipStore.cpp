@@ -12,24 +12,34 @@
 namespace {
 void Tell(const QString& Text) { qWarning().noquote() << QStringLiteral("kavlin: ") + Text; }
 
-QString TheFile(const QString& Filename) {
-    return QStringLiteral("the simulated chip's EEPROM file ") + Filename;
-}
-}  // namespace
-
-SimulatedChipStore::SimulatedChipStore(QString Folder) : Folder_(std::move(Folder)) {}
-
-QString SimulatedChipStore::DefaultFolder() {
+QString DataFolder(const QString& Name) {
     QString Base = qEnvironmentVariable("XDG_DATA_HOME");
     if (Base.isEmpty() || QDir::isRelativePath(Base)) {
         Base = QDir::homePath() + QStringLiteral("/.local/share");
     }
-    return Base + QStringLiteral("/Kavlin/SimulatedChip");
+    return Base + QStringLiteral("/Kavlin/") + Name;
+}
+}  // namespace
+
+SimulatedChipStore::SimulatedChipStore(QString Folder, QString ExternalName, QString Device)
+    : Folder_(std::move(Folder)),
+      ExternalName_(std::move(ExternalName)),
+      Device_(std::move(Device)) {}
+
+QString SimulatedChipStore::DefaultFolder() { return DataFolder(QStringLiteral("SimulatedChip")); }
+
+QString SimulatedChipStore::DefaultBoardFolder() {
+    return DataFolder(QStringLiteral("SimulatedBoard"));
+}
+
+std::unique_ptr<SimulatedChipStore> SimulatedChipStore::ForBoard(QString Folder) {
+    return std::make_unique<SimulatedChipStore>(std::move(Folder), QStringLiteral("spi-eeprom.bin"),
+                                                QStringLiteral("board"));
 }
 
 QString SimulatedChipStore::FileOf(Eeprom Which) const {
-    return Folder_ + (Which == Internal ? QStringLiteral("/internal-eeprom.bin")
-                                        : QStringLiteral("/external-eeprom.bin"));
+    return Folder_ + QLatin1Char('/') +
+           (Which == Internal ? QStringLiteral("internal-eeprom.bin") : ExternalName_);
 }
 
 int SimulatedChipStore::SizeOf(Eeprom Which) {
@@ -50,9 +60,9 @@ QByteArray SimulatedChipStore::Load(Eeprom Which) {
     }
     // This run goes on with an erased memory, and the file stays as it is
     // until the memory changes.
-    const auto StartErased = [&Filename, &Erased](const QString& Why) {
-        Tell(TheFile(Filename) + Why +
-             QStringLiteral("; the chip starts with that EEPROM erased, and the file is written "
+    const auto StartErased = [this, &Filename, &Erased](const QString& Why) {
+        Tell(TheFile(Filename) + Why + QStringLiteral("; the ") + Device_ +
+             QStringLiteral(" starts with that EEPROM erased, and the file is written "
                             "again at its next change"));
         return Erased;
     };
@@ -99,6 +109,11 @@ void SimulatedChipStore::Save(Eeprom Which, QByteArrayView Bytes, int64_t Ns) {
     }
 }
 
+QString SimulatedChipStore::TheFile(const QString& Filename) const {
+    return QStringLiteral("the simulated ") + Device_ + QStringLiteral("'s EEPROM file ") +
+           Filename;
+}
+
 bool SimulatedChipStore::Write(Eeprom Which, QByteArrayView Bytes) {
     UserFileFailure Failure;
     if (UserFile::Write(FileOf(Which), Bytes.toByteArray(), Failure)) {
@@ -109,8 +124,8 @@ bool SimulatedChipStore::Write(Eeprom Which, QByteArrayView Bytes) {
     if (!FailureTold_[Which]) {
         FailureTold_[Which] = true;
         Tell(TheFile(FileOf(Which)) + QStringLiteral(" could not be written: ") +
-             UserFile::ErrorLine(Failure) +
-             QStringLiteral("; the chip goes on with its EEPROMs in memory"));
+             UserFile::ErrorLine(Failure) + QStringLiteral("; the ") + Device_ +
+             QStringLiteral(" goes on with its EEPROMs in memory"));
     }
     return false;
 }

@@ -5,12 +5,15 @@
 #include <QString>
 #include <array>
 #include <cstdint>
+#include <memory>
 
 // The folder in which a simulated chip keeps its two EEPROMs from one run of
 // the program to the next, as a real chip keeps its program through a power
 // cycle: internal-eeprom.bin holds the 512 bytes of the internal EEPROM and
-// external-eeprom.bin the 32,768 of the SPI EEPROM, raw. At first use the
-// folder is made and both files are written erased (every byte 0xFF).
+// external-eeprom.bin the 32,768 of the SPI EEPROM, raw. The simulated KV-10
+// board keeps the same two memories, its SPI EEPROM as spi-eeprom.bin. At
+// first use the folder is made and both files are written erased (every
+// byte 0xFF).
 //
 // When the files are written: a write that changes a memory marks it
 // unsaved, and the chip has the store write what is unsaved
@@ -30,10 +33,17 @@ class SimulatedChipStore {
     enum Eeprom { Internal, External };
     static constexpr int64_t SaveAfterNs = 1'000'000'000;
 
-    explicit SimulatedChipStore(QString Folder);
+    // Device is what the messages call the owner ("chip", "board").
+    explicit SimulatedChipStore(QString Folder,
+                                QString ExternalName = QStringLiteral("external-eeprom.bin"),
+                                QString Device = QStringLiteral("chip"));
     // $XDG_DATA_HOME/Kavlin/SimulatedChip, or ~/.local/share/Kavlin/SimulatedChip
     // where the variable is unset, empty or not an absolute path.
     static QString DefaultFolder();
+    // The simulated KV-10 board's: .../Kavlin/SimulatedBoard beside it.
+    static QString DefaultBoardFolder();
+    // The board's store in the folder: spi-eeprom.bin and internal-eeprom.bin.
+    static std::unique_ptr<SimulatedChipStore> ForBoard(QString Folder);
 
     const QString& Folder() const { return Folder_; }
     QString FileOf(Eeprom Which) const;
@@ -61,9 +71,13 @@ class SimulatedChipStore {
 
   private:
     bool Write(Eeprom Which, QByteArrayView Bytes);
+    // "the simulated chip's EEPROM file " and the name, for a message.
+    QString TheFile(const QString& Filename) const;
     bool AnyUnsaved() const { return Unsaved_[Internal] || Unsaved_[External]; }
 
     QString Folder_;
+    QString ExternalName_;
+    QString Device_;
     std::array<bool, 2> Unsaved_{};
     std::array<bool, 2> FailureTold_{};
     int64_t DueNs_ = 0;

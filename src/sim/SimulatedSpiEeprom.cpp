@@ -10,7 +10,28 @@ constexpr uint8_t InstructionWriteEnable = 0x06;
 constexpr uint16_t AddressMask = SimulatedSpiEeprom::Size - 1;
 }  // namespace
 
-SimulatedSpiEeprom::SimulatedSpiEeprom() { Memory.fill(0xFF); }
+SimulatedSpiEeprom::SimulatedSpiEeprom(int PageSize)
+    : PageSize_(PageSize > 0 && PageSize <= LargestPageSize ? PageSize : LargestPageSize) {
+    Memory.fill(0xFF);
+}
+
+int SimulatedSpiEeprom::Pending(int64_t Ns) const {
+    if (!Selected_ || Clocked == 0 || IgnoredWhileBusy) {
+        return -1;
+    }
+    if (Instruction == InstructionReadStatus) {
+        return Status(Ns);
+    }
+    if (Instruction == InstructionRead && Clocked >= 3) {
+        return Memory[Address];
+    }
+    return -1;
+}
+
+void SimulatedSpiEeprom::PowerLost() {
+    Selected_ = false;
+    WriteEnableLatch_ = false;
+}
 
 uint8_t SimulatedSpiEeprom::Status(int64_t Ns) const {
     return static_cast<uint8_t>((Busy(Ns) ? StatusWriteInProgress : 0) |
@@ -72,7 +93,8 @@ uint8_t SimulatedSpiEeprom::Exchange(uint8_t Mosi, int64_t Ns) {
             }
             if (Clocked == 3) {
                 Address = static_cast<uint16_t>((Address | Mosi) & AddressMask);
-                PageBase = static_cast<uint16_t>(Address & ~(PageSize - 1));
+                PageBase = static_cast<uint16_t>(Address & ~(PageSize_ - 1));
+                WriteStart = Address;
                 return 0xFF;
             }
             if (Instruction == InstructionRead) {
@@ -83,7 +105,7 @@ uint8_t SimulatedSpiEeprom::Exchange(uint8_t Mosi, int64_t Ns) {
             // A page write wraps to the start of its page, as the device does.
             PageBuffer[Address - PageBase] = Mosi;
             ++PageBytes;
-            Address = static_cast<uint16_t>(PageBase + ((Address + 1 - PageBase) % PageSize));
+            Address = static_cast<uint16_t>(PageBase + ((Address + 1 - PageBase) % PageSize_));
             return 0xFF;
         default:
             return 0xFF;
@@ -136,7 +158,10 @@ void SimulatedSpiEeprom::Deselect(int64_t Ns) {
                 break;
             }
             bool Changed = false;
-            for (int Offset = 0; Offset < PageSize; ++Offset) {
+            ++CompletedPageWrites;
+            WrappedWrites += WriteStart - PageBase + PageBytes > PageSize_ ? 1 : 0;
+            LastWriteAddress = WriteStart;
+            for (int Offset = 0; Offset < PageSize_; ++Offset) {
                 if (PageBuffer[Offset] >= 0) {
                     const auto Value = static_cast<uint8_t>(PageBuffer[Offset]);
                     Changed = Changed || Memory[PageBase + Offset] != Value;

@@ -3,19 +3,21 @@
 #include <array>
 #include <cstdint>
 
-// A 32 KB SPI EEPROM as a KV-20/KV-30 carries its program in: the status
-// register with its write enable latch and block protect bits, 64-byte pages
-// whose writes wrap inside the page, a write cycle during which only the
-// status can be read, and a read that streams on for as long as it is
-// clocked. Times are nanoseconds of the line.
+// A 32 KB SPI EEPROM as a KV-20/KV-30 carries its program in (64-byte
+// pages) and a KV-10 board beside its chip (32-byte pages): the status
+// register with its write enable latch and block protect bits, pages whose
+// writes wrap inside the page, a write cycle during which only the status
+// can be read, and a read that streams on for as long as it is clocked.
+// Times are nanoseconds of the line.
 class SimulatedSpiEeprom {
   public:
     static constexpr int Size = 32768;
-    static constexpr int PageSize = 64;
+    static constexpr int LargestPageSize = 64;
     static constexpr uint8_t StatusWriteInProgress = 0x01;
     static constexpr uint8_t StatusWriteEnableLatch = 0x02;
 
-    SimulatedSpiEeprom();
+    explicit SimulatedSpiEeprom(int PageSize = LargestPageSize);
+    int PageSize() const { return PageSize_; }
 
     void Select(int64_t Ns);
     // One byte each way, as SPI clocks it.
@@ -23,6 +25,11 @@ class SimulatedSpiEeprom {
     // Chip select rises: a write or a status write starts its cycle here.
     void Deselect(int64_t Ns);
     bool Selected() const { return Selected_; }
+    // The byte the device shifts out while the next byte is clocked in, as a
+    // host that samples bit by bit reads it; -1 while its output is off.
+    int Pending(int64_t Ns) const;
+    // The supply goes: a frame under way is lost and the latch is cleared.
+    void PowerLost();
 
     uint8_t Status(int64_t Ns) const;
     bool Busy(int64_t Ns) const { return Ns < BusyUntilNs; }
@@ -40,9 +47,17 @@ class SimulatedSpiEeprom {
     // Completed page writes that changed at least one byte of Memory; a page
     // written with the bytes it already held leaves this as it was.
     int ChangingWrites = 0;
+    // Completed page writes, changing or not.
+    int CompletedPageWrites = 0;
+    // Page writes whose bytes ran past the end of their page and wrapped.
+    int WrappedWrites = 0;
+    // Where the last completed page write began (its first byte's address).
+    uint16_t LastWriteAddress = 0;
 
   private:
     bool Protected(uint16_t Address) const;
+
+    int PageSize_;
 
     bool Selected_ = false;
     bool WriteEnableLatch_ = false;
@@ -56,7 +71,8 @@ class SimulatedSpiEeprom {
     uint8_t NewStatus = 0;
     bool HaveNewStatus = false;
     // The page buffer of a write: the bytes land at their page offsets.
-    std::array<int16_t, PageSize> PageBuffer{};
+    std::array<int16_t, LargestPageSize> PageBuffer{};
     uint16_t PageBase = 0;
+    uint16_t WriteStart = 0;
     int PageBytes = 0;
 };

@@ -113,6 +113,13 @@ class BatchAcceptance : public ::testing::Test {
         return QString::fromUtf8(Record.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
 
+    // A memory file that a simulated device keeps in the user's data folder.
+    QByteArray KeptFile(const QString& RelativeName) const {
+        QFile File(Data + QStringLiteral("/Kavlin/") + RelativeName);
+        EXPECT_TRUE(File.open(QIODevice::ReadOnly)) << RelativeName.toStdString();
+        return File.readAll();
+    }
+
     QStringList LogLines() const {
         QFile Log(Work + QStringLiteral("/Kavlin.err"));
         if (!Log.open(QIODevice::ReadOnly)) {
@@ -469,15 +476,11 @@ TEST_F(BatchAcceptance, CompileAndDownloadToTheSimulatedChipLogsDownloadedOkAndD
     ASSERT_TRUE(Image.open(QIODevice::ReadOnly));
     const QByteArray Program = Image.readAll();
     ASSERT_EQ(Program.size(), 1000);
-    QFile External(Data + QStringLiteral("/Kavlin/SimulatedChip/external-eeprom.bin"));
-    ASSERT_TRUE(External.open(QIODevice::ReadOnly));
-    const QByteArray ExternalBytes = External.readAll();
+    const QByteArray ExternalBytes = KeptFile(QStringLiteral("SimulatedChip/external-eeprom.bin"));
     ASSERT_EQ(ExternalBytes.size(), 32768);
     EXPECT_EQ(ExternalBytes.left(1000), Program);
     EXPECT_EQ(ExternalBytes.mid(1000), QByteArray(32768 - 1000, '\xFF'));
-    QFile Internal(Data + QStringLiteral("/Kavlin/SimulatedChip/internal-eeprom.bin"));
-    ASSERT_TRUE(Internal.open(QIODevice::ReadOnly));
-    const QByteArray InternalBytes = Internal.readAll();
+    const QByteArray InternalBytes = KeptFile(QStringLiteral("SimulatedChip/internal-eeprom.bin"));
     ASSERT_EQ(InternalBytes.size(), 512);
     QByteArray Block(32, '\0');
     Block[0] = 2;
@@ -487,6 +490,53 @@ TEST_F(BatchAcceptance, CompileAndDownloadToTheSimulatedChipLogsDownloadedOkAndD
     Block[31] = static_cast<char>(255);
     EXPECT_EQ(InternalBytes.left(32), Block);
     EXPECT_EQ(InternalBytes.mid(32), QByteArray(512 - 32, '\xFF'));
+}
+
+TEST_F(BatchAcceptance, DownloadToTheSimulatedKV10BoardLeavesTheImageAndTheBlockInItsFiles) {
+    // A KV-10 project with its pins at their defaults but pin 39 high.
+    ASSERT_TRUE(PrfImageBuilder()
+                    .AllPins(kvInputTristate)
+                    .DefaultValues(1)
+                    .Pin(39, kvOutputHigh)
+                    .Save(Work + QStringLiteral("/blink.prf")));
+    WriteSettings(Install,
+                  "Chip_Type=KV10\nPort_Number=99\nPort_Mode=Parallel\n"
+                  "Port_Address=888\nPort_Reserve=False\n");
+    QByteArray Program(1000, '\0');
+    for (int Address = 0; Address < Program.size(); ++Address) {
+        Program[Address] = static_cast<char>(Address * 3 + 11);
+    }
+    Touch(Work + QStringLiteral("/blink.kvb"), Program);
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/d")}), 0);
+    EXPECT_EQ(LogLines(),
+              (QStringList{QStringLiteral("Command line:  blink /d"), QString(),
+                           QStringLiteral("Download: ") + Work + QStringLiteral("/blink.kvb"),
+                           QStringLiteral("Program downloaded OK"), QStringLiteral("Done.")}))
+        << StandardError.toStdString();
+    // The board's memories, as it keeps them between runs: the image from
+    // address 0 of the SPI EEPROM, its last page padded with blanks, and the
+    // KV-10 block at addresses 0 to 18 and 31 of the internal EEPROM.
+    const QByteArray SpiBytes = KeptFile(QStringLiteral("SimulatedBoard/spi-eeprom.bin"));
+    ASSERT_EQ(SpiBytes.size(), 32768);
+    EXPECT_EQ(SpiBytes.left(1000), Program);
+    EXPECT_EQ(SpiBytes.mid(1000, 24), QByteArray(24, ' '));
+    EXPECT_EQ(SpiBytes.mid(1024), QByteArray(32768 - 1024, '\xFF'));
+    const QByteArray InternalBytes = KeptFile(QStringLiteral("SimulatedBoard/internal-eeprom.bin"));
+    ASSERT_EQ(InternalBytes.size(), 512);
+    QByteArray Block(19, '\0');
+    Block[1] = 4;                        // port D data, bit 2 always set
+    Block[9] = 1;                        // port A direction: pin 39 an output
+    Block[10] = 1;                       // port A data: pin 39 high
+    Block[11] = static_cast<char>(255);  // node address 65279, low byte
+    Block[12] = static_cast<char>(254);  // its high byte
+    Block[13] = static_cast<char>(254);  // group address
+    EXPECT_EQ(InternalBytes.left(19), Block);
+    EXPECT_EQ(InternalBytes.mid(19, 12), QByteArray(12, '\xFF')) << "19 to 30 are not written";
+    EXPECT_EQ(InternalBytes.at(31), '\xFF');
+    EXPECT_EQ(InternalBytes.mid(32), QByteArray(512 - 32, '\xFF'));
+    // The serial chip's files are another device's.
+    EXPECT_FALSE(
+        QFile::exists(Data + QStringLiteral("/Kavlin/SimulatedBoard/external-eeprom.bin")));
 }
 
 TEST_F(BatchAcceptance, DownloadToAPortWithNothingBehindItLogsTheHaltErrorAndDone) {

@@ -5,6 +5,7 @@
 
 #include "link/DownloadPortExecutive.h"
 #include "link/DownloadPortFixture.h"
+#include "link/PPort.h"
 #include "link/ParallelDownloader.h"
 #include "monitor/MonitorPortExecutive.h"
 #include "platform/SerialPortObject.h"
@@ -27,6 +28,14 @@ class RecordingSerialLink : public DownloadPortExecutive::SerialLink {
 
 class DownloadPortExecutiveTest : public DownloadPortFixture {
   protected:
+    // Opens LPT PortNumber, reserved, with the reservation the program makes
+    // (on the fixture's fake kernel).
+    void OpenReservedWithTheSystemsReservation(int16_t PortNumber, const QString& Address) {
+        DownloadPortExecutive::SetLptReservation(nullptr);
+        StoreParallelPort(PortNumber, Address, true);
+        DownloadPortExecutive::Initialize();
+    }
+
     // Outlives the fixture's closing of the ports.
     RecordingSerialLink Link;
 };
@@ -114,13 +123,40 @@ TEST_F(DownloadPortExecutiveTest, ClosingTheParallelPortLetsGoOfItsDevice) {
 }
 
 TEST_F(DownloadPortExecutiveTest, SystemReservationOfAMissingDeviceFailsWithItsCause) {
-    DownloadPortExecutive::SetLptReservation(nullptr);
-    // LPT 99 has no device of the system behind it.
-    StoreParallelPort(99, QStringLiteral("888"), true);
-    DownloadPortExecutive::Initialize();
+    Kernel.AddDevice(0, 0x378);
+    OpenReservedWithTheSystemsReservation(3, QStringLiteral("888"));
     EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
     EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
-              QStringLiteral("No such device: /dev/parport98"));
+              QStringLiteral("No such device: /dev/parport2"));
+}
+
+TEST_F(DownloadPortExecutiveTest, SystemReservationHoldsTheDeviceClaimedUntilThePortCloses) {
+    Kernel.AddDevice(0, 0x378);
+    GlobalData::ChipType = 1;
+    OpenReservedWithTheSystemsReservation(1, QStringLiteral("888"));
+    ASSERT_TRUE(DownloadPortExecutive::DownloadPortIsOpen());
+    EXPECT_TRUE(Kernel.Devices[0].Claimed);
+    EXPECT_TRUE(PPort::IsReserved());
+    DownloadPortExecutive::ClosePorts();
+    EXPECT_FALSE(Kernel.Devices[0].Claimed);
+    EXPECT_EQ(Kernel.OpenDescriptors(), 0);
+}
+
+TEST_F(DownloadPortExecutiveTest, SystemReservationOfADeviceTheUserMayNotOpenAsksForTheLpGroup) {
+    Kernel.AddDevice(1, 0x278).OpenErrno = EACCES;
+    OpenReservedWithTheSystemsReservation(2, QStringLiteral("632"));
+    EXPECT_FALSE(DownloadPortExecutive::DownloadPortIsOpen());
+    EXPECT_EQ(DownloadPortExecutive::LastFailureCause(),
+              QStringLiteral("Permission denied: /dev/parport1; add the user to the lp group"));
+}
+
+TEST_F(DownloadPortExecutiveTest, OpeningTheParallelPortTellsItsLptNumberAndBaseToTheProgrammer) {
+    StoreParallelPort(99, QStringLiteral("632"), false);
+    DownloadPortExecutive::Initialize();
+    EXPECT_EQ(PPort::GetPortNumber(), 99);
+    EXPECT_EQ(ParallelDownloader::GetDataPort(), 632);
+    PPort::SetPortNumber(1);
+    ParallelDownloader::SetPortBase(888);
 }
 
 TEST_F(DownloadPortExecutiveTest, WrongKindOfPortAfterAChipChangeIsClosedAndStaysSaved) {

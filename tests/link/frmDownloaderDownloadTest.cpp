@@ -10,7 +10,7 @@
 #include "frame/TwipsConversion.h"
 #include "frame/frmSplash.h"
 #include "link/DownloadPortExecutive.h"
-#include "link/DownloadPortFixture.h"
+#include "link/DownloaderWindowFixture.h"
 #include "link/XSerialDownloader.h"
 #include "link/frmDownloader.h"
 #include "monitor/MonitorPortExecutive.h"
@@ -23,33 +23,21 @@ namespace {
 // The downloader window as a user meets it after start-up: a KV-20 on the
 // simulated chip (port 99) as download port, the monitor port open on the
 // same line, a program image with its preference file beside it.
-class DownloadWindowTest : public DownloadPortFixture {
+class DownloadWindowTest : public DownloaderWindowFixture {
   protected:
     void SetUp() override {
-        DownloadPortFixture::SetUp();
+        DownloaderWindowFixture::SetUp();
         StoreSimulatedChipForBothPorts();
         auto Dialogs = std::make_unique<ScriptedFileDialogService>();
         FileDialogs = Dialogs.get();
         FileDialogService::Install(std::move(Dialogs));
         XSerialDownloader::ResetState();
-        frmDownloader::ResetProcessEnded();
     }
     void TearDown() override {
-        Global<frmSplash>::Unload();
-        Global<frmDownloader>::Unload();
-        Global<ProjectType>::Unload();
-        GlobalData::DownloadFilename.clear();
-        GlobalData::ProjectFilename.clear();
+        UnloadWindows();
         XSerialDownloader::ResetState();
         FileDialogService::Install(std::make_unique<CancellingFileDialogService>());
-        frmDownloader::ResetProcessEnded();
-        DownloadPortFixture::TearDown();
-    }
-    frmDownloader& Load() {
-        frmDownloader& Window = Global<frmDownloader>::Get();
-        Window.Form_Load();
-        Window.show();
-        return Window;
+        DownloaderWindowFixture::TearDown();
     }
     // A program image of Size bytes, each byte its address times 7 plus 3,
     // with a KV-20 preference file of some output pins beside it.
@@ -73,11 +61,6 @@ class DownloadWindowTest : public DownloadPortFixture {
         GlobalData::ProjectFilename = Saved;
         return ConfigurationBytes::BlockKV20(Registers);
     }
-    static void Click(frmDownloader& Window, const QString& Key) {
-        QWidget* Button = Window.ToolBar->widgetForAction(Window.ToolBarButton(Key));
-        ASSERT_NE(Button, nullptr) << Key.toStdString();
-        QTest::mouseClick(Button, Qt::LeftButton);
-    }
     QByteArray External(int Size) const {
         const auto& Memory = Line->Chip().ExternalEeprom.Memory;
         return QByteArray(reinterpret_cast<const char*>(Memory.data()), Size);
@@ -85,9 +68,6 @@ class DownloadWindowTest : public DownloadPortFixture {
     QByteArray Internal(int Size) const {
         const auto& Memory = Line->Chip().InternalEeprom;
         return QByteArray(reinterpret_cast<const char*>(Memory.data()), Size);
-    }
-    static QString Panel(frmDownloader& Window, int Number) {
-        return Window.StatusBarPanels[Number - 1]->text();
     }
     QStringList BoxTexts() const {
         QStringList Texts;
@@ -125,9 +105,9 @@ TEST_F(DownloadWindowTest, DownloadButtonPutsTheImageAndTheBlockIntoTheChipAndGi
     EXPECT_TRUE(Window.comMonitorPort->PortOpen()) << "the monitor port has the line again";
     EXPECT_FALSE(Window.KavlinControl1->PortOpen());
     EXPECT_FALSE(XSerialDownloader::GetMonitorWasOpen());
-    EXPECT_TRUE(Window.DebugWindowText().startsWith(
-        QStringLiteral("\r\n*** Opening file: ") + Image +
-        QStringLiteral("\r\n\r\n*** Downloading File\r\n")))
+    EXPECT_TRUE(
+        Window.DebugWindowText().startsWith(QStringLiteral("\r\n*** Opening file: ") + Image +
+                                            QStringLiteral("\r\n\r\n*** Downloading File\r\n")))
         << Window.DebugWindowText().toStdString();
     EXPECT_TRUE(Window.DebugWindowText().endsWith(QStringLiteral("*** Finished Downloading\r\n")));
     EXPECT_EQ(Panel(Window, 1), QStringLiteral("Power is ON"));
@@ -393,8 +373,8 @@ TEST_F(DownloadWindowTest, CommandButtonsAreOffWhileTheDownloadRunsAndOpenStaysO
     QMap<QString, bool> During;
     Clock->OnSleep = [&](int64_t) {
         if (During.isEmpty() && Line->Chip().InMonitor()) {
-            for (const char* Key : {"Open", "Editor", "Stop", "Run", "Reset", "Download",
-                                    "ClearSerial"}) {
+            for (const char* Key :
+                 {"Open", "Editor", "Stop", "Run", "Reset", "Download", "ClearSerial"}) {
                 During[QString::fromLatin1(Key)] =
                     Window.ToolBarButton(QString::fromLatin1(Key))->isEnabled();
             }
@@ -525,8 +505,7 @@ TEST_F(DownloadWindowTest, TheChipHoldsTheBlockOfItsModelForEachPreferenceFile) 
         GlobalData::ProjectFilename = TempPath() + QLatin1Char('/') + Name + QStringLiteral(".kvp");
         if (Each.Chip == 2) {
             ConfigurationBytes::ConfigureKV20(Registers);
-        }
-        else {
+        } else {
             ConfigurationBytes::ConfigureKV30(Registers);
         }
         const auto Block = Each.Chip == 2 ? ConfigurationBytes::BlockKV20(Registers)

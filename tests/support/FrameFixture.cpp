@@ -10,6 +10,7 @@
 #include "frame/ErrorDisplay.h"
 #include "frame/GlobalData.h"
 #include "platform/ErrObject.h"
+#include "platform/ParallelDevices.h"
 #include "platform/SerialDevices.h"
 
 void FrameFixture::SetUp() {
@@ -36,6 +37,8 @@ void FrameFixture::SetUp() {
     // No test reaches the machine's serial devices: a stored port number
     // names nothing unless the test lists devices of its own.
     SerialDevices::SetDeviceLister([] { return QStringList(); });
+    // Nor a parallel port of the machine.
+    ParallelDevices::SetPpdevCalls(&Kernel);
     Err().Clear();
 }
 
@@ -48,6 +51,7 @@ void FrameFixture::TearDown() {
     MessageBoxService::Install(std::make_unique<ScriptedMessageBoxService>());
     ClockService::Install(std::make_unique<VirtualClockService>());
     SerialDevices::SetDeviceLister([] { return QStringList(); });
+    ParallelDevices::SetPpdevCalls(nullptr);
 }
 
 void FrameFixture::MakeGoodInstallation() {

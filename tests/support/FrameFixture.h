@@ -5,11 +5,13 @@
 #include <QTemporaryDir>
 
 #include "platform/SettingsStore.h"
+#include "support/FakePpdevCalls.h"
 #include "support/ScriptedMessageBoxService.h"
 #include "support/VirtualClockService.h"
 
 // A fresh frame for each test: settings in memory, scripted boxes, virtual
-// time, a temporary work path, and the frame's state as at start-up.
+// time, a temporary work path, a fake kernel in place of the machine's
+// parallel ports, and the frame's state as at start-up.
 class FrameFixture : public ::testing::Test {
   protected:
     void SetUp() override;
@@ -26,6 +28,8 @@ class FrameFixture : public ::testing::Test {
     void MakeGoodInstallation();
 
     QTemporaryDir Temp;
+    // The parallel ports the test's machine has: none, unless the test adds them.
+    FakePpdevCalls Kernel;
     MemorySettingsStore* Settings = nullptr;
     ScriptedMessageBoxService* Boxes = nullptr;
     VirtualClockService* Clock = nullptr;

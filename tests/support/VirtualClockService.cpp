@@ -10,13 +10,17 @@ void VirtualClockService::Sleep(uint32_t Milliseconds) {
     }
 }
 
+void VirtualClockService::Advance(int64_t Microseconds) {
+    const int64_t Total = NowSubMs + Microseconds;
+    NowMs += Total / 1000;
+    NowSubMs = Total % 1000;
+}
+
 void VirtualClockService::SleepMicroseconds(int64_t Microseconds) {
     if (Microseconds <= 0) {
         return;
     }
-    const int64_t Total = NowSubMs + Microseconds;
-    NowMs += Total / 1000;
-    NowSubMs = Total % 1000;
+    Advance(Microseconds);
     ++MicroSleepCalls;
     if (OnSleep) {
         OnSleep(NowMs);
@@ -26,4 +30,7 @@ void VirtualClockService::SleepMicroseconds(int64_t Microseconds) {
 void VirtualClockService::DoEvents() {
     ++DoEventsCalls;
     QCoreApplication::processEvents();
+    if (DoEventsMicroseconds > 0) {
+        Advance(DoEventsMicroseconds);
+    }
 }

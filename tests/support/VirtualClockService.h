@@ -17,6 +17,9 @@ class VirtualClockService : public ClockService {
     void SleepMicroseconds(int64_t Microseconds) override;
 
     int64_t NowMs = 0;
+    // Each DoEvents takes this long: a loop that only yields, as a poll of a
+    // device does, then sees time pass.
+    int64_t DoEventsMicroseconds = 0;
     // Microseconds past NowMs, 0 to 999.
     int64_t NowSubMs = 0;
     int MicroSleepCalls = 0;
@@ -25,4 +28,7 @@ class VirtualClockService : public ClockService {
     // Called after every sleep with the new time: a test's way of acting
     // "while" the code under test waits.
     std::function<void(int64_t NowMs)> OnSleep;
+
+  private:
+    void Advance(int64_t Microseconds);
 };
