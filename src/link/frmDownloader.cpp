@@ -883,7 +883,6 @@ void frmDownloader::DownloadProgram(bool& Success) {
     if (Filename.isEmpty()) {
         return;
     }
-    bool Reported = false;
     try {
         // The configuration sent is always the one beside the image.
         const QString Stem = Filename.left(Filename.size() - 3);
@@ -921,17 +920,13 @@ void frmDownloader::DownloadProgram(bool& Success) {
         // The downloader has told its failure; the box below follows it with
         // no error of its own to describe.
         Err().Clear();
-        Reported = true;
     } catch (...) {
         TakeCurrentException();
-        Reported = true;
     }
-    if (Reported) {
-        Success = false;
-        SetDownloaderEnabled(true);
-        ErrorDisplay::ShowErrorMessage(QStringLiteral("Download error:\n") + Err().Description,
-                                       QStringLiteral("Download Error"));
-    }
+    Success = false;
+    SetDownloaderEnabled(true);
+    ErrorDisplay::ShowErrorMessage(QStringLiteral("Download error:\n") + Err().Description,
+                                   QStringLiteral("Download Error"));
 }
 
 void frmDownloader::ExecuteProgram() {
