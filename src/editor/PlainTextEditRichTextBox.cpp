@@ -38,6 +38,18 @@ PlainTextEditRichTextBox::PlainTextEditRichTextBox(QPlainTextEdit* Editor)
 // ---- Positions -------------------------------------------------------------
 
 PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crlf) const {
+    if (Cache_.Valid && Crlf >= Cache_.At.CrlfStart && (Crlf < Cache_.CrlfEnd || Cache_.IsLast)) {
+        return Cache_.At;
+    }
+    auto Remember = [this](const QTextBlock& Block, int32_t Start) {
+        const bool IsLast = !Block.next().isValid();
+        Cache_.At = Location{Block, Start, Block.blockNumber()};
+        Cache_.CrlfEnd = Start + Block.length() + (IsLast ? 0 : 1);
+        Cache_.IsLast = IsLast;
+        Cache_.Valid = true;
+        LastBlock_ = Block;
+        return Cache_.At;
+    };
     // Most questions are about the line of the last one, or a neighbour.
     auto Holds = [Crlf](const QTextBlock& Block, int32_t& Start) {
         if (!Block.isValid()) {
@@ -52,8 +64,7 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
          {LastBlock_, LastBlock_.isValid() ? LastBlock_.previous() : QTextBlock(),
           LastBlock_.isValid() ? LastBlock_.next() : QTextBlock()}) {
         if (Holds(Near, Start)) {
-            LastBlock_ = Near;
-            return Location{Near, Start};
+            return Remember(Near, Start);
         }
     }
     const QTextDocument* Doc = Editor_->document();
@@ -69,11 +80,8 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
             High = Middle - 1;
         }
     }
-    Location Found;
-    Found.Block = Doc->findBlockByNumber(Low);
-    Found.CrlfStart = Found.Block.position() + Low;
-    LastBlock_ = Found.Block;
-    return Found;
+    const QTextBlock Found = Doc->findBlockByNumber(Low);
+    return Remember(Found, Found.position() + Low);
 }
 
 int PlainTextEditRichTextBox::QtPosition(int32_t Crlf) const {
@@ -127,12 +135,13 @@ QString PlainTextEditRichTextBox::TextMid(int32_t Start, int32_t Count) const {
 }
 
 int32_t PlainTextEditRichTextBox::GetLineFromChar(int32_t Position) const {
-    return BlockAt(std::max(0, Position)).Block.blockNumber();
+    return BlockAt(std::max(0, Position)).Number;
 }
 
 // ---- Text and selection ----------------------------------------------------
 
 void PlainTextEditRichTextBox::SetText(const QString& Text) {
+    ForgetCachedLine();
     OwnWrite_ = true;
     Editor_->setPlainText(ToDocumentText(Text));
     OwnWrite_ = false;
@@ -143,7 +152,7 @@ void PlainTextEditRichTextBox::SetText(const QString& Text) {
 }
 
 PlainTextEditRichTextBox::Selection PlainTextEditRichTextBox::CurrentSelection() const {
-    if (Hidden_) {
+    if (ShadowInForce()) {
         return Shadow_;
     }
     const QTextCursor Cursor = Editor_->textCursor();
@@ -158,7 +167,7 @@ QTextCursor PlainTextEditRichTextBox::CursorOf(Selection Of) const {
 }
 
 void PlainTextEditRichTextBox::SetCurrentSelection(Selection NewSelection) {
-    if (!Hidden_) {
+    if (!ShadowInForce()) {
         Editor_->setTextCursor(CursorOf(NewSelection));
         return;
     }
@@ -201,6 +210,12 @@ void PlainTextEditRichTextBox::SetSelText(const QString& Text) {
     OwnWrite_ = true;
     Cursor.insertText(ToDocumentText(Text));
     OwnWrite_ = false;
+    ForgetCachedLine();
+    if (Group_ > 0) {
+        // The document tells of a group's edits only at its end; the
+        // control's Change is raised for each, as it would be without.
+        ChangePending_ = true;
+    }
     SetCurrentSelection(Selection{Cursor.anchor(), Cursor.position()});
     RaisePending();
 }
@@ -234,10 +249,16 @@ void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int
         New.append(QTextLayout::FormatRange{Start, Length, Format});
     };
     bool Placed = false;
+    // Ranges past the line's end were left by edits made in a group, whose
+    // lines are coloured whole after each edit: they colour nothing.
+    const int TextEnd = Block.length() - 1;
     for (const QTextLayout::FormatRange& Range : Old) {
-        const int RangeEnd = Range.start + Range.length;
+        if (Range.start >= TextEnd) {
+            continue;
+        }
+        const int RangeEnd = std::min(Range.start + Range.length, TextEnd);
         if (RangeEnd <= From) {
-            Append(Range.start, Range.length, Range.format);
+            Append(Range.start, RangeEnd - Range.start, Range.format);
             continue;
         }
         if (!Placed && Range.start >= From) {
@@ -286,7 +307,7 @@ void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
             ApplyColor(Block, From, To, Rgb);
         }
     }
-    if (!Hidden_) {
+    if (!ShadowInForce()) {
         FlushDirty();
     }
 }
@@ -332,12 +353,25 @@ void PlainTextEditRichTextBox::SetVisible(bool Visible) {
         return;
     }
     if (!Visible) {
-        Shadow_ = CurrentSelection();
+        HoldView();
         Hidden_ = true;
-        Editor_->viewport()->setUpdatesEnabled(false);
         return;
     }
     Hidden_ = false;
+    if (Group_ == 0) {
+        ShowView();
+    }
+}
+
+void PlainTextEditRichTextBox::HoldView() {
+    if (ShadowInForce()) {
+        return;
+    }
+    Shadow_ = CurrentSelection();
+    Editor_->viewport()->setUpdatesEnabled(false);
+}
+
+void PlainTextEditRichTextBox::ShowView() {
     FlushDirty();
     // The selection the hidden work left goes to the editor now, once.
     const QTextCursor Current = Editor_->textCursor();
@@ -345,6 +379,36 @@ void PlainTextEditRichTextBox::SetVisible(bool Visible) {
         Editor_->setTextCursor(CursorOf(Shadow_));
     }
     Editor_->viewport()->setUpdatesEnabled(true);
+}
+
+void PlainTextEditRichTextBox::BeginEditGroup() {
+    if (Group_++ > 0) {
+        return;
+    }
+    HoldView();
+    // One edit block: one step of undo, and the document tells its layout
+    // and its listeners of the whole once, when the block ends.
+    GroupCursor_ = QTextCursor(Editor_->document());
+    GroupCursor_.beginEditBlock();
+}
+
+void PlainTextEditRichTextBox::EndEditGroup() {
+    if (Group_ == 0 || --Group_ > 0) {
+        return;
+    }
+    // The edits were coloured as they were made; what the document tells
+    // now of them all at once is no edit of the user's.
+    EndingGroup_ = true;
+    OwnWrite_ = true;
+    GroupCursor_.endEditBlock();
+    OwnWrite_ = false;
+    EndingGroup_ = false;
+    GroupCursor_ = QTextCursor();
+    ForgetCachedLine();
+    if (!Hidden_) {
+        ShowView();
+    }
+    RaisePending();
 }
 
 void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
@@ -362,6 +426,10 @@ void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
 // ---- Edits the editor made by itself ---------------------------------------
 
 void PlainTextEditRichTextBox::OnContentsChange(int Position, int Removed, int Added) {
+    ForgetCachedLine();
+    if (EndingGroup_) {
+        return;
+    }
     ChangePending_ = true;
     if (!OwnWrite_ && !RaiseScheduled_) {
         // An edit of the editor's own hand (a key, undo, a drop): its events
@@ -488,26 +556,56 @@ int32_t PlainTextEditRichTextBox::Find(const QString& String, int32_t Start, int
             Found = -1;
         }
     } else {
-        const QString Range = TextMid(Start, End - Start + 1);
-        const Qt::CaseSensitivity Case =
-            (Options & rtfMatchCase) != 0 ? Qt::CaseSensitive : Qt::CaseInsensitive;
-        qsizetype At = Range.indexOf(String, 0, Case);
-        while (At >= 0) {
-            const bool WordStart = At == 0 || !Range[At - 1].isLetterOrNumber();
-            const qsizetype After = At + String.size();
-            const bool WordEnd = After >= Range.size() || !Range[After].isLetterOrNumber();
-            if ((Options & rtfWholeWord) == 0 || (WordStart && WordEnd)) {
-                Found = Start + static_cast<int32_t>(At);
-                break;
-            }
-            At = Range.indexOf(String, At + 1, Case);
-        }
+        Found = FindInLines(String, Start, End, Options);
     }
     if (Found >= 0 && (Options & rtfNoHighlight) == 0) {
         SetSelStart(Found);
         SetSelLength(static_cast<int32_t>(String.size()));
     }
     return Found;
+}
+
+int32_t PlainTextEditRichTextBox::FindInLines(const QString& String, int32_t Start, int32_t End,
+                                              int32_t Options) const {
+    const Qt::CaseSensitivity Case =
+        (Options & rtfMatchCase) != 0 ? Qt::CaseSensitive : Qt::CaseInsensitive;
+    const bool WholeWord = (Options & rtfWholeWord) != 0;
+    const int32_t Length = static_cast<int32_t>(String.size());
+    // A word's neighbours are those in the text, whatever the range.
+    auto IsWordCharacter = [](QChar Character) { return Character.isLetterOrNumber(); };
+    if (String.contains(QLatin1Char('\r')) || String.contains(QLatin1Char('\n'))) {
+        // Across line breaks: in the text itself, which only such a search pays for.
+        const QString Text = this->Text();
+        qsizetype At = Text.indexOf(String, Start, Case);
+        for (; At >= 0 && At + Length - 1 <= End; At = Text.indexOf(String, At + 1, Case)) {
+            const bool WordStart = At == 0 || !IsWordCharacter(Text[At - 1]);
+            const bool WordEnd = At + Length >= Text.size() || !IsWordCharacter(Text[At + Length]);
+            if (!WholeWord || (WordStart && WordEnd)) {
+                return static_cast<int32_t>(At);
+            }
+        }
+        return -1;
+    }
+    // Within each line: a match ends before its line's CR.
+    const Location First = BlockAt(Start);
+    int32_t LineStart = First.CrlfStart;
+    for (QTextBlock Block = First.Block; Block.isValid() && LineStart + Length - 1 <= End;
+         Block = Block.next()) {
+        const QString Line = Block.text();
+        qsizetype At = Line.indexOf(String, std::max(0, Start - LineStart), Case);
+        for (; At >= 0; At = Line.indexOf(String, At + 1, Case)) {
+            if (LineStart + At + Length - 1 > End) {
+                return -1;
+            }
+            const bool WordStart = At == 0 || !IsWordCharacter(Line[At - 1]);
+            const bool WordEnd = At + Length >= Line.size() || !IsWordCharacter(Line[At + Length]);
+            if (!WholeWord || (WordStart && WordEnd)) {
+                return LineStart + static_cast<int32_t>(At);
+            }
+        }
+        LineStart += static_cast<int32_t>(Block.length()) + 1;
+    }
+    return -1;
 }
 
 void PlainTextEditRichTextBox::SetSelFontName(const QString& Name) {

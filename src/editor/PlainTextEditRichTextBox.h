@@ -39,6 +39,8 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     int32_t GetLineFromChar(int32_t Position) const override;
     int32_t Find(const QString& String, int32_t Start, int32_t End, int32_t Options) override;
     void SetVisible(bool Visible) override;
+    void BeginEditGroup() override;
+    void EndEditGroup() override;
     void SetMousePointer(int32_t Pointer) override;
     void SetSelFontName(const QString& Name) override;
     void SetSelFontSize(int32_t Size) override;
@@ -61,8 +63,20 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     struct Location {
         QTextBlock Block;
         int32_t CrlfStart = 0;
+        int Number = 0;
     };
     Location BlockAt(int32_t CrlfPosition) const;
+    // The line last asked about, with its CR LF span, until the text changes:
+    // the highlighter asks about one line a character at a time.
+    struct CachedLine {
+        Location At;
+        int32_t CrlfEnd = 0;
+        bool IsLast = false;
+        bool Valid = false;
+    };
+    void ForgetCachedLine() const { Cache_.Valid = false; }
+    // The first match at or behind Start that ends by End, line by line.
+    int32_t FindInLines(const QString& String, int32_t Start, int32_t End, int32_t Options) const;
     int QtPosition(int32_t CrlfPosition) const;
     int32_t CrlfPosition(int QtPosition) const;
     void ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb);
@@ -85,9 +99,15 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     Selection CurrentSelection() const;
     void SetCurrentSelection(Selection NewSelection);
     QTextCursor CursorOf(Selection Of) const;
+    // While the control is hidden or a group of edits is open, the selection
+    // is the one kept here and the view waits.
+    bool ShadowInForce() const { return Hidden_ || Group_ > 0; }
+    void HoldView();
+    void ShowView();
 
     QPlainTextEdit* Editor_;
     mutable QTextBlock LastBlock_;
+    mutable CachedLine Cache_;
     QHash<uint32_t, QTextCharFormat> Formats_;
     uint32_t TypingColor_ = 0;
     bool Hidden_ = false;
@@ -106,4 +126,8 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     bool RaiseScheduled_ = false;
     int InsertedFrom_ = -1;
     int InsertedTo_ = -1;
+    // An open group of edits: its depth, and the cursor of its edit block.
+    int Group_ = 0;
+    QTextCursor GroupCursor_;
+    bool EndingGroup_ = false;
 };

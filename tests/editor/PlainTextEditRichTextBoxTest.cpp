@@ -96,6 +96,49 @@ TEST_F(AdapterTest, FindOfTextSelectsItUnlessTold) {
     EXPECT_EQ(Box->SelLength(), 2);
 }
 
+TEST_F(AdapterTest, FindOfAWholeWordLooksAtItsNeighboursInTheText) {
+    Box->SetText(QStringLiteral("abcd cd\r\ncd cdx"));
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 2, 16, rtfWholeWord | rtfNoHighlight), 5)
+        << "the search begins inside a word: that is no word's start";
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 6, 16, rtfWholeWord | rtfNoHighlight), 9)
+        << "a line break ends a word";
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 10, 15, rtfWholeWord | rtfNoHighlight), -1)
+        << "the range ends where the text goes on with the word";
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 10, 15, rtfNoHighlight), 12);
+}
+
+TEST_F(AdapterTest, FindOfTextEndsWithinTheRangeAndMayCrossALineBreak) {
+    Box->SetText(QStringLiteral("ab\r\ncd\r\nab"));
+    EXPECT_EQ(Box->Find(QStringLiteral("AB"), 1, 9, rtfNoHighlight), 8);
+    EXPECT_EQ(Box->Find(QStringLiteral("ab"), 1, 8, rtfNoHighlight), -1);
+    EXPECT_EQ(Box->Find(QStringLiteral("b\r\nc"), 0, 9, rtfNoHighlight), 1);
+    EXPECT_EQ(Box->Find(QStringLiteral("d\r\nA"), 0, 9, rtfMatchCase | rtfNoHighlight), -1);
+    EXPECT_EQ(Box->Find(QStringLiteral("x"), 0, 9, rtfNoHighlight), -1);
+}
+
+TEST_F(AdapterTest, AGroupOfEditsIsOneUndoStepAndTheViewTakesItUpAtItsEnd) {
+    Box->SetText(QStringLiteral("a a\r\na"));
+    const QTextCursor Before = Editor.textCursor();
+    Events.clear();
+    Box->BeginEditGroup();
+    for (const int32_t At : {0, 3, 7}) {
+        Box->SetSelStart(At);
+        Box->SetSelLength(1);
+        Box->SetSelText(QStringLiteral("bb"));
+    }
+    EXPECT_EQ(Box->Text(), QStringLiteral("bb bb\r\nbb"));
+    EXPECT_EQ(Box->SelStart(), 9);
+    EXPECT_EQ(Editor.textCursor().position(), Before.position()) << "the view waits";
+    EXPECT_EQ(Events.count(QLatin1Char('C')), 3) << "each edit is a change of the control";
+    Box->EndEditGroup();
+    Settle();
+    EXPECT_EQ(Editor.textCursor().position(), 8);
+    EXPECT_EQ(Events.count(QLatin1Char('C')), 3) << "the group's end is no edit of its own";
+    Editor.undo();
+    EXPECT_EQ(Box->Text(), QStringLiteral("a a\r\na"));
+    EXPECT_FALSE(Editor.document()->isUndoAvailable());
+}
+
 TEST_F(AdapterTest, CharactersAbove255RoundTrip) {
     const QString Text = QStringLiteral("\u00E9\u0122\u4E2D\r\n\u0127");
     Box->SetText(Text);
