@@ -18,6 +18,15 @@ QString FromSelectedText(QString Text) {
     return Text;
 }
 
+// Whether inserting the text makes a new block: the characters that do.
+bool StartsALine(const QString& Text) {
+    return std::any_of(Text.begin(), Text.end(), [](QChar Character) {
+        return Character == QLatin1Char('\n') || Character == QLatin1Char('\r') ||
+               Character == ParagraphSeparator || Character == QChar(0xFDD0) ||
+               Character == QChar(0xFDD1);
+    });
+}
+
 uint32_t RgbOf(const QTextCharFormat& Format) {
     return static_cast<uint32_t>(Format.foreground().color().rgb()) & 0xFFFFFFu;
 }
@@ -37,19 +46,29 @@ PlainTextEditRichTextBox::PlainTextEditRichTextBox(QPlainTextEdit* Editor)
 
 // ---- Positions -------------------------------------------------------------
 
-PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crlf) const {
-    if (Cache_.Valid && Crlf >= Cache_.At.CrlfStart && (Crlf < Cache_.CrlfEnd || Cache_.IsLast)) {
-        return Cache_.At;
+PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::RememberLine(const QTextBlock& Block,
+                                                                          int32_t CrlfStart,
+                                                                          int Number) const {
+    if (Cache_[0].Valid && Cache_[0].At.Block != Block) {
+        Cache_[1] = Cache_[0];
     }
-    auto Remember = [this](const QTextBlock& Block, int32_t Start) {
-        const bool IsLast = !Block.next().isValid();
-        Cache_.At = Location{Block, Start, Block.blockNumber()};
-        Cache_.CrlfEnd = Start + Block.length() + (IsLast ? 0 : 1);
-        Cache_.IsLast = IsLast;
-        Cache_.Valid = true;
-        LastBlock_ = Block;
-        return Cache_.At;
-    };
+    CachedLine& Line = Cache_[0];
+    const bool IsLast = !Block.next().isValid();
+    Line.At =
+        Location{Block, CrlfStart, Number >= 0 ? Number : Block.blockNumber(), Block.length()};
+    Line.CrlfEnd = CrlfStart + Line.At.Length + (IsLast ? 0 : 1);
+    Line.IsLast = IsLast;
+    Line.Valid = true;
+    LastBlock_ = Block;
+    return Line.At;
+}
+
+PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crlf) const {
+    for (const CachedLine& Line : Cache_) {
+        if (Line.HoldsCrlf(Crlf)) {
+            return Line.At;
+        }
+    }
     // Most questions are about the line of the last one, or a neighbour.
     auto Holds = [Crlf](const QTextBlock& Block, int32_t& Start) {
         if (!Block.isValid()) {
@@ -64,7 +83,7 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
          {LastBlock_, LastBlock_.isValid() ? LastBlock_.previous() : QTextBlock(),
           LastBlock_.isValid() ? LastBlock_.next() : QTextBlock()}) {
         if (Holds(Near, Start)) {
-            return Remember(Near, Start);
+            return RememberLine(Near, Start);
         }
     }
     const QTextDocument* Doc = Editor_->document();
@@ -81,7 +100,21 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
         }
     }
     const QTextBlock Found = Doc->findBlockByNumber(Low);
-    return Remember(Found, Found.position() + Low);
+    return RememberLine(Found, Found.position() + Low, Low);
+}
+
+PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockOfQt(int Qt) const {
+    for (const CachedLine& Line : Cache_) {
+        if (Line.HoldsQt(Qt)) {
+            return Line.At;
+        }
+    }
+    const QTextBlock Block = Editor_->document()->findBlock(Qt);
+    if (!Block.isValid()) {
+        return Location{};
+    }
+    const int Number = Block.blockNumber();
+    return RememberLine(Block, Block.position() + Number, Number);
 }
 
 int PlainTextEditRichTextBox::QtPosition(int32_t Crlf) const {
@@ -89,19 +122,18 @@ int PlainTextEditRichTextBox::QtPosition(int32_t Crlf) const {
         return 0;
     }
     const Location At = BlockAt(Crlf);
-    const int TextLength = At.Block.length() - 1;
+    const int TextLength = At.Length - 1;
     const int Offset = Crlf - At.CrlfStart;
     if (Offset <= TextLength) {
-        return At.Block.position() + Offset;
+        return At.QtStart() + Offset;
     }
     // The LF of a break, or beyond the text: the start of the next line.
     const int End = Editor_->document()->characterCount() - 1;
-    return std::min(At.Block.position() + TextLength + 1, End);
+    return std::min(At.QtStart() + TextLength + 1, End);
 }
 
 int32_t PlainTextEditRichTextBox::CrlfPosition(int Qt) const {
-    const QTextBlock Block = Editor_->document()->findBlock(Qt);
-    return Qt + std::max(0, Block.blockNumber());
+    return Qt + std::max(0, BlockOfQt(Qt).Number);
 }
 
 int32_t PlainTextEditRichTextBox::TextLength() const {
@@ -206,11 +238,44 @@ QString PlainTextEditRichTextBox::SelText() const {
 }
 
 void PlainTextEditRichTextBox::SetSelText(const QString& Text) {
-    QTextCursor Cursor = CursorOf(CurrentSelection());
+    const Selection Replaced = CurrentSelection();
+    QTextCursor Cursor = CursorOf(Replaced);
+    const QString Inserted = ToDocumentText(Text);
+    // An edit inside the line last asked about, with no break in what comes
+    // in, leaves that line where it was, only longer or shorter.
+    int Edited = -1;
+    for (int Index = 0; Index < 2; ++Index) {
+        if (Cache_[Index].HoldsQt(Replaced.Start()) &&
+            Replaced.End() < Cache_[Index].At.QtStart() + Cache_[Index].At.Length &&
+            !StartsALine(Inserted)) {
+            Edited = Index;
+        }
+    }
+    CachedLine Lines[2] = {Cache_[0], Cache_[1]};
     OwnWrite_ = true;
-    Cursor.insertText(ToDocumentText(Text));
+    Cursor.insertText(Inserted);
     OwnWrite_ = false;
     ForgetCachedLine();
+    if (Edited >= 0) {
+        // The edited line grows or shrinks; a line behind it moves with it.
+        const int Change = static_cast<int>(Inserted.size()) - (Replaced.End() - Replaced.Start());
+        const int32_t EditedStart = Lines[Edited].At.CrlfStart;
+        for (CachedLine& Line : Lines) {
+            if (!Line.Valid) {
+                continue;
+            }
+            if (Line.At.CrlfStart == EditedStart) {
+                Line.At.Length += Change;
+            } else if (Line.At.CrlfStart > EditedStart) {
+                Line.At.CrlfStart += Change;
+            }
+            if (Line.At.CrlfStart >= EditedStart) {
+                Line.CrlfEnd += Change;
+            }
+        }
+        Cache_[0] = Lines[0];
+        Cache_[1] = Lines[1];
+    }
     if (Group_ > 0) {
         // The document tells of a group's edits only at its end; the
         // control's Change is raised for each, as it would be without.
@@ -232,7 +297,8 @@ const QTextCharFormat& PlainTextEditRichTextBox::FormatOf(uint32_t Rgb) {
     return Found.value();
 }
 
-void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb) {
+void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int BlockStart, int From, int To,
+                                          uint32_t Rgb) {
     QTextLayout* Layout = Block.layout();
     const QList<QTextLayout::FormatRange> Old = Layout->formats();
     QList<QTextLayout::FormatRange> New;
@@ -279,7 +345,7 @@ void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int
         Append(From, To - From, FormatOf(Rgb));
     }
     Layout->setFormats(New);
-    MarkDirty(Block.position(), Block.position() + Block.length());
+    MarkDirty(BlockStart, BlockStart + Block.length());
 }
 
 void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
@@ -298,14 +364,17 @@ void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
     }
     const int Start = Current.Start();
     const int End = Current.End();
-    const QTextDocument* Doc = Editor_->document();
-    for (QTextBlock Block = Doc->findBlock(Start); Block.isValid() && Block.position() < End;
+    const Location First = BlockOfQt(Start);
+    int BlockStart = First.QtStart();
+    for (QTextBlock Block = First.Block; Block.isValid() && BlockStart < End;
          Block = Block.next()) {
-        const int From = std::max(0, Start - Block.position());
-        const int To = std::min(Block.length() - 1, End - Block.position());
+        const int Length = Block.length();
+        const int From = std::max(0, Start - BlockStart);
+        const int To = std::min(Length - 1, End - BlockStart);
         if (To > From) {
-            ApplyColor(Block, From, To, Rgb);
+            ApplyColor(Block, BlockStart, From, To, Rgb);
         }
+        BlockStart += Length;
     }
     if (!ShadowInForce()) {
         FlushDirty();
@@ -314,8 +383,9 @@ void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
 
 uint32_t PlainTextEditRichTextBox::ColorAt(int32_t Position) const {
     const int Qt = QtPosition(Position);
-    const QTextBlock Block = Editor_->document()->findBlock(Qt);
-    const int Offset = Qt - Block.position();
+    const Location At = BlockOfQt(Qt);
+    const QTextBlock& Block = At.Block;
+    const int Offset = Qt - At.QtStart();
     for (const QTextLayout::FormatRange& Range : Block.layout()->formats()) {
         if (Offset >= Range.start && Offset < Range.start + Range.length) {
             return RgbOf(Range.format);
@@ -408,15 +478,24 @@ void PlainTextEditRichTextBox::EndEditGroup() {
     if (!Hidden_) {
         ShowView();
     }
+    ShowPointer();
     RaisePending();
 }
 
 void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
-    if (Pointer == Pointer_) {
+    Pointer_ = Pointer;
+    // A group's many short waits show as none: the pointer is set at its end.
+    if (Group_ == 0) {
+        ShowPointer();
+    }
+}
+
+void PlainTextEditRichTextBox::ShowPointer() {
+    if (Pointer_ == ShownPointer_) {
         return;
     }
-    Pointer_ = Pointer;
-    if (Pointer == rtfWaitPointer) {
+    ShownPointer_ = Pointer_;
+    if (Pointer_ == rtfWaitPointer) {
         Editor_->viewport()->setCursor(Qt::WaitCursor);
     } else {
         Editor_->viewport()->setCursor(Qt::IBeamCursor);
@@ -544,13 +623,15 @@ int32_t PlainTextEditRichTextBox::Find(const QString& String, int32_t Start, int
     if (String == QStringLiteral("\r")) {
         // The end of a line, from the blocks.
         const Location At = BlockAt(Start);
+        int32_t LineStart = At.CrlfStart;
         for (QTextBlock Block = At.Block; Block.isValid() && Block.next().isValid();
              Block = Block.next()) {
-            const int32_t Cr = Block.position() + Block.blockNumber() + Block.length() - 1;
+            const int32_t Cr = LineStart + Block.length() - 1;
             if (Cr >= Start) {
                 Found = Cr;
                 break;
             }
+            LineStart += Block.length() + 1;
         }
         if (Found > End) {
             Found = -1;
@@ -589,6 +670,7 @@ int32_t PlainTextEditRichTextBox::FindInLines(const QString& String, int32_t Sta
     // Within each line: a match ends before its line's CR.
     const Location First = BlockAt(Start);
     int32_t LineStart = First.CrlfStart;
+    int Number = First.Number;
     for (QTextBlock Block = First.Block; Block.isValid() && LineStart + Length - 1 <= End;
          Block = Block.next()) {
         const QString Line = Block.text();
@@ -600,10 +682,13 @@ int32_t PlainTextEditRichTextBox::FindInLines(const QString& String, int32_t Sta
             const bool WordStart = At == 0 || !IsWordCharacter(Line[At - 1]);
             const bool WordEnd = At + Length >= Line.size() || !IsWordCharacter(Line[At + Length]);
             if (!WholeWord || (WordStart && WordEnd)) {
+                // The selection of the match asks about this line next.
+                RememberLine(Block, LineStart, Number);
                 return LineStart + static_cast<int32_t>(At);
             }
         }
         LineStart += static_cast<int32_t>(Block.length()) + 1;
+        ++Number;
     }
     return -1;
 }

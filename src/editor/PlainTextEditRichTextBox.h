@@ -60,26 +60,44 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     QPlainTextEdit* Editor() const { return Editor_; }
 
   private:
+    // A line: its block, where it starts in CR LF positions, its number, and
+    // its length in the document with the break.
     struct Location {
         QTextBlock Block;
         int32_t CrlfStart = 0;
-        int Number = 0;
+        int Number = -1;
+        int Length = 0;
+        int QtStart() const { return CrlfStart - Number; }
     };
     Location BlockAt(int32_t CrlfPosition) const;
-    // The line last asked about, with its CR LF span, until the text changes:
-    // the highlighter asks about one line a character at a time.
+    // The line of a position in the document.
+    Location BlockOfQt(int QtPosition) const;
+    // Keeps a line as the one last asked about; its number found if not given.
+    Location RememberLine(const QTextBlock& Block, int32_t CrlfStart, int Number = -1) const;
+    // The two lines last asked about, with their CR LF spans, until the text
+    // changes: the highlighter and the caret's column ask about one line a
+    // character at a time, and step onto the line before it at its start.
     struct CachedLine {
         Location At;
         int32_t CrlfEnd = 0;
         bool IsLast = false;
         bool Valid = false;
+        bool HoldsCrlf(int32_t Crlf) const {
+            return Valid && Crlf >= At.CrlfStart && (Crlf < CrlfEnd || IsLast);
+        }
+        bool HoldsQt(int Qt) const {
+            return Valid && Qt >= At.QtStart() && Qt < At.QtStart() + At.Length;
+        }
     };
-    void ForgetCachedLine() const { Cache_.Valid = false; }
+    void ForgetCachedLine() const {
+        Cache_[0].Valid = false;
+        Cache_[1].Valid = false;
+    }
     // The first match at or behind Start that ends by End, line by line.
     int32_t FindInLines(const QString& String, int32_t Start, int32_t End, int32_t Options) const;
     int QtPosition(int32_t CrlfPosition) const;
     int32_t CrlfPosition(int QtPosition) const;
-    void ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb);
+    void ApplyColor(const QTextBlock& Block, int BlockStart, int From, int To, uint32_t Rgb);
     const QTextCharFormat& FormatOf(uint32_t Rgb);
     void MarkDirty(int From, int To);
     void FlushDirty();
@@ -107,7 +125,7 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
 
     QPlainTextEdit* Editor_;
     mutable QTextBlock LastBlock_;
-    mutable CachedLine Cache_;
+    mutable CachedLine Cache_[2];
     QHash<uint32_t, QTextCharFormat> Formats_;
     uint32_t TypingColor_ = 0;
     bool Hidden_ = false;
@@ -115,6 +133,8 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     int DirtyFrom_ = -1;
     int DirtyTo_ = -1;
     int32_t Pointer_ = 0;
+    int32_t ShownPointer_ = 0;
+    void ShowPointer();
     std::vector<int32_t> Tabs_;
     // The selection as last told, to raise SelChange once per real move.
     int LastAnchor_ = 0;

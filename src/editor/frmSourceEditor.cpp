@@ -336,9 +336,15 @@ void frmSourceEditor::tabEditTabStrip_Click(int Index) {
 }
 
 void frmSourceEditor::DisplayCursor(int32_t LineNumber, int32_t ColumnNumber) {
+    if (LineNumber == ShownLine && ColumnNumber == ShownColumn) {
+        return;
+    }
+    ShownLine = LineNumber;
+    ShownColumn = ColumnNumber;
     if (sbrStatus.size() > 0) {
-        sbrStatus[0]->setText(
-            QStringLiteral("Line: %1, Col: %2").arg(LineNumber).arg(ColumnNumber));
+        // Shown after every move of the caret: put together without a format.
+        sbrStatus[0]->setText(QStringLiteral("Line: ") + QString::number(LineNumber) +
+                              QStringLiteral(", Col: ") + QString::number(ColumnNumber));
     }
 }
 

@@ -164,6 +164,9 @@ class frmSourceEditor : public QMainWindow,
     enum class Tiling { TopToBottom, SideBySide };
     void TileModuleWindows(Tiling Arrangement);
     bool TabClickArmed = true;
+    // The caret's place as the status bar shows it.
+    int32_t ShownLine = -1;
+    int32_t ShownColumn = -1;
     bool ExitConfirmed = false;
     void OnActiveEditBox(void (EditBoxModel::*Command)());
     // The search dialog, loaded if need be and owned by this window.
