@@ -7,6 +7,7 @@
 #include <QStatusBar>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <cstdio>
 
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
@@ -342,9 +343,12 @@ void frmSourceEditor::DisplayCursor(int32_t LineNumber, int32_t ColumnNumber) {
     ShownLine = LineNumber;
     ShownColumn = ColumnNumber;
     if (sbrStatus.size() > 0) {
-        // Shown after every move of the caret: put together without a format.
-        sbrStatus[0]->setText(QStringLiteral("Line: ") + QString::number(LineNumber) +
-                              QStringLiteral(", Col: ") + QString::number(ColumnNumber));
+        // Shown after every move of the caret, a Replace All's many among
+        // them: put together in one piece.
+        char Text[48];
+        const int Length = std::snprintf(Text, sizeof Text, "Line: %d, Col: %d", LineNumber,
+                                         ColumnNumber);
+        sbrStatus[0]->setText(QString::fromLatin1(Text, Length));
     }
 }
 
