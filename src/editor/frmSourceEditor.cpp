@@ -346,8 +346,8 @@ void frmSourceEditor::DisplayCursor(int32_t LineNumber, int32_t ColumnNumber) {
         // Shown after every move of the caret, a Replace All's many among
         // them: put together in one piece.
         char Text[48];
-        const int Length = std::snprintf(Text, sizeof Text, "Line: %d, Col: %d", LineNumber,
-                                         ColumnNumber);
+        const int Length =
+            std::snprintf(Text, sizeof Text, "Line: %d, Col: %d", LineNumber, ColumnNumber);
         sbrStatus[0]->setText(QString::fromLatin1(Text, Length));
     }
 }
@@ -399,15 +399,18 @@ frmSearchAndReplace& frmSourceEditor::SearchDialog() {
     return Dialog;
 }
 
-void frmSourceEditor::mnuFindFirst_Click() {
+frmSearchAndReplace* frmSourceEditor::ShowSearchDialog() {
     if (ActiveForm() == nullptr) {
-        return;
+        return nullptr;
     }
     frmSearchAndReplace& Dialog = SearchDialog();
     Dialog.show();
     Dialog.raise();
     Dialog.activateWindow();
+    return &Dialog;
 }
+
+void frmSourceEditor::mnuFindFirst_Click() { ShowSearchDialog(); }
 
 void frmSourceEditor::mnuFindNext_Click() {
     if (ActiveForm() == nullptr) {
@@ -424,15 +427,10 @@ void frmSourceEditor::mnuFindNext_Click() {
 }
 
 void frmSourceEditor::mnuSearchAndReplace_Click() {
-    if (ActiveForm() == nullptr) {
-        return;
+    if (frmSearchAndReplace* Dialog = ShowSearchDialog()) {
+        // Into the replace mode.
+        Dialog->cmdReplaceOnce_Click();
     }
-    frmSearchAndReplace& Dialog = SearchDialog();
-    Dialog.show();
-    Dialog.raise();
-    Dialog.activateWindow();
-    // Into the replace mode.
-    Dialog.cmdReplaceOnce_Click();
 }
 
 // ---- Recent projects ---------------------------------------------------------

@@ -171,6 +171,8 @@ class frmSourceEditor : public QMainWindow,
     void OnActiveEditBox(void (EditBoxModel::*Command)());
     // The search dialog, loaded if need be and owned by this window.
     frmSearchAndReplace& SearchDialog();
+    // With an active module window: the search dialog, shown and in front.
+    frmSearchAndReplace* ShowSearchDialog();
     // "Save changes to NAME?" for module Number: 6 Yes, 7 No, 2 Cancel.
     int AskToSaveModule(int16_t Number);
     WindowGeometry Placement;
