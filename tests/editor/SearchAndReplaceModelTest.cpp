@@ -1,32 +1,10 @@
-#include "chip/FileExecutivePRF.h"
 #include "editor/SearchAndReplaceModel.h"
-#include "frame/GlobalData.h"
+
 #include "platform/ClipboardService.h"
-#include "project/ProjectEditorHost.h"
-#include "project/ProjectType.h"
-#include "support/FrameFixture.h"
-#include "support/ModelEditWindow.h"
+#include "support/ModelProjectFixture.h"
 #include "support/QtPrinters.h"
 
 namespace {
-
-// The editor's main window as the project sees it: the module that comes to
-// the front is the active one.
-class ActiveModuleHost : public ProjectEditorHost {
-  public:
-    void AddNewTab(const QString&) override {}
-    void ClearAllTabs() override {}
-    void ConfigureMenus(bool) override {}
-    void ActivateTab(int16_t ModuleNumber) override {
-        Active = ModuleNumber;
-        Activated << ModuleNumber;
-    }
-    int16_t ActiveModuleNumber() override { return Active; }
-    void InitializeRecentProjectList() override {}
-    void DisplayKVBfilename(const QString&) override {}
-    int16_t Active = 0;
-    QList<int16_t> Activated;
-};
 
 // The dialog's controls as plain values.
 class PlainControls : public SearchAndReplaceControls {
@@ -48,25 +26,14 @@ class PlainControls : public SearchAndReplaceControls {
     int Updates = 0;
 };
 
-class SearchAndReplaceModelTest : public FrameFixture {
+class SearchAndReplaceModelTest : public ModelProjectFixture {
   protected:
     void SetUp() override {
-        FrameFixture::SetUp();
-        ProjectEditorHost::Install(&Host);
-        ModuleEditWindow::SetFactory([] { return std::make_unique<ModelEditWindow>(); });
+        ModelProjectFixture::SetUp();
         ClipboardService::Install(std::make_unique<MemoryClipboardService>());
         Search.ActiveForm = [this]() -> EditBoxModel* {
-            return Host.Active >= 1 ? &Window(Host.Active)->Model : nullptr;
+            return Editor.Active >= 1 ? &WindowOf(Editor.Active)->Model : nullptr;
         };
-    }
-    void TearDown() override {
-        Global<ProjectType>::Unload();
-        Global<FileExecutivePRF>::Unload();
-        ModuleEditWindow::SetFactory(nullptr);
-        ProjectEditorHost::Install(nullptr);
-        GlobalData::ProjectFilename.clear();
-        GlobalData::DownloadFilename.clear();
-        FrameFixture::TearDown();
     }
     // A project of the given modules, module Active in front with its caret at Caret.
     void Open(const QStringList& Texts, int16_t Active = 1, int32_t Caret = 0) {
@@ -80,15 +47,11 @@ class SearchAndReplaceModelTest : public FrameFixture {
         WriteFile(QStringLiteral("p.prf"), QByteArray(8610, '\0'));
         Project().OpenProject(TempPath(), QStringLiteral("p"), QStringLiteral("kvp"), false);
         ASSERT_EQ(Project().ModuleCount(), Texts.size());
-        Host.Active = Active;
+        Editor.Active = Active;
         Box(Active).SetSelStart(Caret);
-        Host.Activated.clear();
+        Editor.Activated.clear();
     }
-    ModelEditWindow* Window(int16_t Number) {
-        return static_cast<ModelEditWindow*>(
-            Project().ModuleList().GetModule(Number)->EditWindow());
-    }
-    MemoryRichTextBox& Box(int16_t Number) { return Window(Number)->Box; }
+    MemoryRichTextBox& Box(int16_t Number) { return WindowOf(Number)->Box; }
     QString Selected(int16_t Number) { return Box(Number).SelText(); }
     QStringList Messages() const {
         QStringList List;
@@ -98,7 +61,6 @@ class SearchAndReplaceModelTest : public FrameFixture {
         return List;
     }
 
-    ActiveModuleHost Host;
     PlainControls Controls;
     SearchAndReplaceModel Search{Controls};
 };
@@ -111,11 +73,11 @@ TEST_F(SearchAndReplaceModelTest, ProjectSearchGoesOnInTheNextModulesInProjectOr
     Controls.Find = QStringLiteral("led");
     Controls.Module = false;
     Search.cmdFindNext_Click();
-    EXPECT_EQ(Host.Active, 3) << "module 3 comes before module 1";
+    EXPECT_EQ(Editor.Active, 3) << "module 3 comes before module 1";
     EXPECT_EQ(Box(3).SelStart(), 7);
     EXPECT_EQ(Selected(3), QStringLiteral("led"));
     Search.cmdFindNext_Click();
-    EXPECT_EQ(Host.Activated, (QList<int16_t>{3, 1})) << "past the last module, the first";
+    EXPECT_EQ(Editor.Activated, (QList<int16_t>{3, 1})) << "past the last module, the first";
     EXPECT_EQ(Box(1).SelStart(), 0);
     EXPECT_EQ(Selected(1), QStringLiteral("led"));
     EXPECT_TRUE(Search.MatchIsSelected);
@@ -130,7 +92,7 @@ TEST_F(SearchAndReplaceModelTest, ProjectSearchLooksOnceThroughEachModuleAndNotB
     Controls.Module = false;
     Search.cmdFindNext_Click();
     EXPECT_EQ(Messages(), QStringList{QStringLiteral("String Not Found|String not found: led")});
-    EXPECT_EQ(Host.Activated, (QList<int16_t>{1, 2})) << "each module once, then back";
+    EXPECT_EQ(Editor.Activated, (QList<int16_t>{1, 2})) << "each module once, then back";
     EXPECT_EQ(Box(2).SelStart(), 0);
     EXPECT_EQ(Box(2).SelLength(), 0);
     EXPECT_FALSE(Search.MatchIsSelected);
@@ -176,7 +138,7 @@ TEST_F(SearchAndReplaceModelTest, AReplacementHoldingTheTextReplacesEachOccurren
     Controls.Find = QStringLiteral("a");
     Controls.Replace = QStringLiteral("aa");
     Search.cmdReplaceAll_Click();
-    EXPECT_EQ(Window(1)->Text(), QStringLiteral("aa = aa + 1\r\n"));
+    EXPECT_EQ(WindowOf(1)->Text(), QStringLiteral("aa = aa + 1\r\n"));
     EXPECT_TRUE(Boxes->Boxes.isEmpty());
 }
 
@@ -189,14 +151,14 @@ TEST_F(SearchAndReplaceModelTest, ProjectReplaceAllIsOneUndoStepPerModuleAndEnds
     Controls.Replace = QStringLiteral("lamp");
     Controls.Module = false;
     Search.cmdReplaceAll_Click();
-    EXPECT_EQ(Window(1)->Text(), QStringLiteral("lamp = lamp\r\n"));
-    EXPECT_EQ(Window(3)->Text(), QStringLiteral("lamp\r\nlamp\r\nlamp\r\n"));
+    EXPECT_EQ(WindowOf(1)->Text(), QStringLiteral("lamp = lamp\r\n"));
+    EXPECT_EQ(WindowOf(3)->Text(), QStringLiteral("lamp\r\nlamp\r\nlamp\r\n"));
     EXPECT_EQ(Box(1).UndoSteps, 1);
     EXPECT_EQ(Box(2).UndoSteps, 0);
     EXPECT_EQ(Box(3).UndoSteps, 1);
     EXPECT_EQ(Box(3).GroupDepth, 0);
-    EXPECT_EQ(Host.Active, 2);
-    EXPECT_EQ(Host.Activated, (QList<int16_t>{3, 1, 2}));
+    EXPECT_EQ(Editor.Active, 2);
+    EXPECT_EQ(Editor.Activated, (QList<int16_t>{3, 1, 2}));
     EXPECT_TRUE(Boxes->Boxes.isEmpty());
 }
 
@@ -206,7 +168,7 @@ TEST_F(SearchAndReplaceModelTest, ModuleReplaceAllBeginsAtTheTopWhereverTheCaret
     Controls.Find = QStringLiteral("led");
     Controls.Replace = QStringLiteral("x");
     Search.cmdReplaceAll_Click();
-    EXPECT_EQ(Window(1)->Text(), QStringLiteral("x\r\nx\r\n"));
+    EXPECT_EQ(WindowOf(1)->Text(), QStringLiteral("x\r\nx\r\n"));
 }
 
 TEST_F(SearchAndReplaceModelTest, WithoutAProjectAFindSaysThereIsNoActiveFile) {
@@ -222,16 +184,16 @@ TEST_F(SearchAndReplaceModelTest, EachModuleRemembersItsOwnLastSearch) {
     Search.Form_Load();
     Controls.Find = QStringLiteral("led");
     Search.cmdFindNext_Click();
-    Host.Active = 2;
+    Editor.Active = 2;
     Search.Form_Load();
     EXPECT_EQ(Controls.Find, QString()) << "module 2 has not been searched";
     Controls.Find = QStringLiteral("lamp");
     Search.cmdFindNext_Click();
-    Host.Active = 1;
+    Editor.Active = 1;
     Box(1).SetSelStart(0);
     Search.Form_Load();
     EXPECT_EQ(Controls.Find, QStringLiteral("led"));
-    EXPECT_EQ(Window(2)->Model.FindText, QStringLiteral("lamp"));
+    EXPECT_EQ(WindowOf(2)->Model.FindText, QStringLiteral("lamp"));
 }
 
 }  // namespace

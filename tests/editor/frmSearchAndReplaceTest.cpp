@@ -15,7 +15,7 @@
 #include "support/FrameFixture.h"
 #include "support/MemoryRichTextBox.h"
 #include "support/QtPrinters.h"
-#include "support/ScriptedFileDialogService.h"
+#include "support/SourceEditorFixture.h"
 
 namespace {
 
@@ -36,31 +36,13 @@ const char* const MainText = "Dim led As Integer\r\nled = 1\r\n' led on\r\nx = \
 const char* const LedText = "Sub Blink()\r\n  led = 0\r\nEnd Sub\r\n";
 const char* const WaitText = "Sub Wait()\r\nEnd Sub\r\n";
 
-class SearchAndReplaceWindowTest : public FrameFixture {
+class SearchAndReplaceWindowTest : public SourceEditorFixture {
   protected:
     void SetUp() override {
-        FrameFixture::SetUp();
-        auto Scripted = std::make_unique<ScriptedFileDialogService>();
-        Dialogs = Scripted.get();
-        FileDialogService::Install(std::move(Scripted));
-        ClipboardService::Install(std::make_unique<MemoryClipboardService>());
-        ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
-        Editor = &Global<frmSourceEditor>::Get();
+        SourceEditorFixture::SetUp();
         Editor->resize(900, 700);
-        Editor->show();
         ActivateEditor();
     }
-    void TearDown() override {
-        Global<frmSearchAndReplace>::Unload();
-        Global<ProjectType>::Unload();
-        Global<frmSourceEditor>::Unload();
-        Global<frmDownloader>::Unload();
-        frmDownloader::ResetProcessEnded();
-        ModuleEditWindow::SetFactory(nullptr);
-        FileDialogService::Install(std::make_unique<CancellingFileDialogService>());
-        FrameFixture::TearDown();
-    }
-    static void Settle() { QCoreApplication::processEvents(); }
     void ActivateEditor() {
         Editor->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(Editor, 2000));
@@ -88,15 +70,6 @@ class SearchAndReplaceWindowTest : public FrameFixture {
         QTest::mouseClick(Editor->tabEditTabStrip, Qt::LeftButton, Qt::NoModifier,
                           Editor->tabEditTabStrip->tabRect(Number - 1).center());
         Settle();
-    }
-    frmEditBoxType* Module(int Number) {
-        for (QMdiSubWindow* Sub : Editor->mdiArea->subWindowList()) {
-            auto* Box = qobject_cast<frmEditBoxType*>(Sub->widget());
-            if (Box != nullptr && Box->Model().ModuleNumber() == Number) {
-                return Box;
-            }
-        }
-        return nullptr;
     }
     int ActiveModule() const { return Editor->ActiveModuleNumber(); }
     // Keys pressed in a module's text.
@@ -182,9 +155,6 @@ class SearchAndReplaceWindowTest : public FrameFixture {
         }
         return QString();
     }
-
-    ScriptedFileDialogService* Dialogs = nullptr;
-    frmSourceEditor* Editor = nullptr;
 };
 
 TEST_F(SearchAndReplaceWindowTest, WithASelectionTheDialogOpensWithItAndTheFirstFindIsBehindIt) {
