@@ -67,6 +67,11 @@ class EditBoxModel {
     // The window's hooks: its caption, its inner size, and whether it exists yet.
     std::function<void(const QString& Caption)> SetCaption;
     std::function<void(int32_t& Width, int32_t& Height)> InnerSize;
+    // Gives the control the focus (SetFocus); the search dialog calls it.
+    std::function<void()> SetFocus;
+
+    // The control, rtfEditBox, as the search dialog works on it.
+    RichTextBox& rtfEditBox() const { return *Control_; }
 
     int16_t CurrentLine() const { return CurrentLine_; }
     bool ChangeArmed() const { return ChangeArmed_; }

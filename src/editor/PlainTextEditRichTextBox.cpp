@@ -18,6 +18,15 @@ QString FromSelectedText(QString Text) {
     return Text;
 }
 
+// Whether inserting the text makes a new block: the characters that do.
+bool StartsALine(const QString& Text) {
+    return std::any_of(Text.begin(), Text.end(), [](QChar Character) {
+        return Character == QLatin1Char('\n') || Character == QLatin1Char('\r') ||
+               Character == ParagraphSeparator || Character == QChar(0xFDD0) ||
+               Character == QChar(0xFDD1);
+    });
+}
+
 uint32_t RgbOf(const QTextCharFormat& Format) {
     return static_cast<uint32_t>(Format.foreground().color().rgb()) & 0xFFFFFFu;
 }
@@ -37,7 +46,29 @@ PlainTextEditRichTextBox::PlainTextEditRichTextBox(QPlainTextEdit* Editor)
 
 // ---- Positions -------------------------------------------------------------
 
+PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::RememberLine(const QTextBlock& Block,
+                                                                          int32_t CrlfStart,
+                                                                          int Number) const {
+    if (Cache_[0].Valid && Cache_[0].At.Block != Block) {
+        Cache_[1] = Cache_[0];
+    }
+    CachedLine& Line = Cache_[0];
+    const bool IsLast = !Block.next().isValid();
+    Line.At =
+        Location{Block, CrlfStart, Number >= 0 ? Number : Block.blockNumber(), Block.length()};
+    Line.CrlfEnd = CrlfStart + Line.At.Length + (IsLast ? 0 : 1);
+    Line.IsLast = IsLast;
+    Line.Valid = true;
+    LastBlock_ = Block;
+    return Line.At;
+}
+
 PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crlf) const {
+    for (const CachedLine& Line : Cache_) {
+        if (Line.HoldsCrlf(Crlf)) {
+            return Line.At;
+        }
+    }
     // Most questions are about the line of the last one, or a neighbour.
     auto Holds = [Crlf](const QTextBlock& Block, int32_t& Start) {
         if (!Block.isValid()) {
@@ -52,8 +83,7 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
          {LastBlock_, LastBlock_.isValid() ? LastBlock_.previous() : QTextBlock(),
           LastBlock_.isValid() ? LastBlock_.next() : QTextBlock()}) {
         if (Holds(Near, Start)) {
-            LastBlock_ = Near;
-            return Location{Near, Start};
+            return RememberLine(Near, Start);
         }
     }
     const QTextDocument* Doc = Editor_->document();
@@ -69,11 +99,22 @@ PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockAt(int32_t Crl
             High = Middle - 1;
         }
     }
-    Location Found;
-    Found.Block = Doc->findBlockByNumber(Low);
-    Found.CrlfStart = Found.Block.position() + Low;
-    LastBlock_ = Found.Block;
-    return Found;
+    const QTextBlock Found = Doc->findBlockByNumber(Low);
+    return RememberLine(Found, Found.position() + Low, Low);
+}
+
+PlainTextEditRichTextBox::Location PlainTextEditRichTextBox::BlockOfQt(int Qt) const {
+    for (const CachedLine& Line : Cache_) {
+        if (Line.HoldsQt(Qt)) {
+            return Line.At;
+        }
+    }
+    const QTextBlock Block = Editor_->document()->findBlock(Qt);
+    if (!Block.isValid()) {
+        return Location{};
+    }
+    const int Number = Block.blockNumber();
+    return RememberLine(Block, Block.position() + Number, Number);
 }
 
 int PlainTextEditRichTextBox::QtPosition(int32_t Crlf) const {
@@ -81,19 +122,18 @@ int PlainTextEditRichTextBox::QtPosition(int32_t Crlf) const {
         return 0;
     }
     const Location At = BlockAt(Crlf);
-    const int TextLength = At.Block.length() - 1;
+    const int TextLength = At.Length - 1;
     const int Offset = Crlf - At.CrlfStart;
     if (Offset <= TextLength) {
-        return At.Block.position() + Offset;
+        return At.QtStart() + Offset;
     }
     // The LF of a break, or beyond the text: the start of the next line.
     const int End = Editor_->document()->characterCount() - 1;
-    return std::min(At.Block.position() + TextLength + 1, End);
+    return std::min(At.QtStart() + TextLength + 1, End);
 }
 
 int32_t PlainTextEditRichTextBox::CrlfPosition(int Qt) const {
-    const QTextBlock Block = Editor_->document()->findBlock(Qt);
-    return Qt + std::max(0, Block.blockNumber());
+    return Qt + std::max(0, BlockOfQt(Qt).Number);
 }
 
 int32_t PlainTextEditRichTextBox::TextLength() const {
@@ -127,12 +167,13 @@ QString PlainTextEditRichTextBox::TextMid(int32_t Start, int32_t Count) const {
 }
 
 int32_t PlainTextEditRichTextBox::GetLineFromChar(int32_t Position) const {
-    return BlockAt(std::max(0, Position)).Block.blockNumber();
+    return BlockAt(std::max(0, Position)).Number;
 }
 
 // ---- Text and selection ----------------------------------------------------
 
 void PlainTextEditRichTextBox::SetText(const QString& Text) {
+    ForgetCachedLine();
     OwnWrite_ = true;
     Editor_->setPlainText(ToDocumentText(Text));
     OwnWrite_ = false;
@@ -143,7 +184,7 @@ void PlainTextEditRichTextBox::SetText(const QString& Text) {
 }
 
 PlainTextEditRichTextBox::Selection PlainTextEditRichTextBox::CurrentSelection() const {
-    if (Hidden_) {
+    if (ShadowInForce()) {
         return Shadow_;
     }
     const QTextCursor Cursor = Editor_->textCursor();
@@ -158,7 +199,7 @@ QTextCursor PlainTextEditRichTextBox::CursorOf(Selection Of) const {
 }
 
 void PlainTextEditRichTextBox::SetCurrentSelection(Selection NewSelection) {
-    if (!Hidden_) {
+    if (!ShadowInForce()) {
         Editor_->setTextCursor(CursorOf(NewSelection));
         return;
     }
@@ -197,10 +238,49 @@ QString PlainTextEditRichTextBox::SelText() const {
 }
 
 void PlainTextEditRichTextBox::SetSelText(const QString& Text) {
-    QTextCursor Cursor = CursorOf(CurrentSelection());
+    const Selection Replaced = CurrentSelection();
+    QTextCursor Cursor = CursorOf(Replaced);
+    const QString Inserted = ToDocumentText(Text);
+    // An edit inside the line last asked about, with no break in what comes
+    // in, leaves that line where it was, only longer or shorter.
+    int Edited = -1;
+    for (int Index = 0; Index < 2; ++Index) {
+        if (Cache_[Index].HoldsQt(Replaced.Start()) &&
+            Replaced.End() < Cache_[Index].At.QtStart() + Cache_[Index].At.Length &&
+            !StartsALine(Inserted)) {
+            Edited = Index;
+        }
+    }
+    CachedLine Lines[2] = {Cache_[0], Cache_[1]};
     OwnWrite_ = true;
-    Cursor.insertText(ToDocumentText(Text));
+    Cursor.insertText(Inserted);
     OwnWrite_ = false;
+    ForgetCachedLine();
+    if (Edited >= 0) {
+        // The edited line grows or shrinks; a line behind it moves with it.
+        const int Change = static_cast<int>(Inserted.size()) - (Replaced.End() - Replaced.Start());
+        const int32_t EditedStart = Lines[Edited].At.CrlfStart;
+        for (CachedLine& Line : Lines) {
+            if (!Line.Valid) {
+                continue;
+            }
+            if (Line.At.CrlfStart == EditedStart) {
+                Line.At.Length += Change;
+            } else if (Line.At.CrlfStart > EditedStart) {
+                Line.At.CrlfStart += Change;
+            }
+            if (Line.At.CrlfStart >= EditedStart) {
+                Line.CrlfEnd += Change;
+            }
+        }
+        Cache_[0] = Lines[0];
+        Cache_[1] = Lines[1];
+    }
+    if (Group_ > 0) {
+        // The document tells of a group's edits only at its end; the
+        // control's Change is raised for each, as it would be without.
+        ChangePending_ = true;
+    }
     SetCurrentSelection(Selection{Cursor.anchor(), Cursor.position()});
     RaisePending();
 }
@@ -217,7 +297,8 @@ const QTextCharFormat& PlainTextEditRichTextBox::FormatOf(uint32_t Rgb) {
     return Found.value();
 }
 
-void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb) {
+void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int BlockStart, int From, int To,
+                                          uint32_t Rgb) {
     QTextLayout* Layout = Block.layout();
     const QList<QTextLayout::FormatRange> Old = Layout->formats();
     QList<QTextLayout::FormatRange> New;
@@ -234,10 +315,16 @@ void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int
         New.append(QTextLayout::FormatRange{Start, Length, Format});
     };
     bool Placed = false;
+    // Ranges past the line's end were left by edits made in a group, whose
+    // lines are coloured whole after each edit: they colour nothing.
+    const int TextEnd = Block.length() - 1;
     for (const QTextLayout::FormatRange& Range : Old) {
-        const int RangeEnd = Range.start + Range.length;
+        if (Range.start >= TextEnd) {
+            continue;
+        }
+        const int RangeEnd = std::min(Range.start + Range.length, TextEnd);
         if (RangeEnd <= From) {
-            Append(Range.start, Range.length, Range.format);
+            Append(Range.start, RangeEnd - Range.start, Range.format);
             continue;
         }
         if (!Placed && Range.start >= From) {
@@ -258,7 +345,7 @@ void PlainTextEditRichTextBox::ApplyColor(const QTextBlock& Block, int From, int
         Append(From, To - From, FormatOf(Rgb));
     }
     Layout->setFormats(New);
-    MarkDirty(Block.position(), Block.position() + Block.length());
+    MarkDirty(BlockStart, BlockStart + Block.length());
 }
 
 void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
@@ -277,24 +364,28 @@ void PlainTextEditRichTextBox::SetSelColor(uint32_t Rgb) {
     }
     const int Start = Current.Start();
     const int End = Current.End();
-    const QTextDocument* Doc = Editor_->document();
-    for (QTextBlock Block = Doc->findBlock(Start); Block.isValid() && Block.position() < End;
+    const Location First = BlockOfQt(Start);
+    int BlockStart = First.QtStart();
+    for (QTextBlock Block = First.Block; Block.isValid() && BlockStart < End;
          Block = Block.next()) {
-        const int From = std::max(0, Start - Block.position());
-        const int To = std::min(Block.length() - 1, End - Block.position());
+        const int Length = Block.length();
+        const int From = std::max(0, Start - BlockStart);
+        const int To = std::min(Length - 1, End - BlockStart);
         if (To > From) {
-            ApplyColor(Block, From, To, Rgb);
+            ApplyColor(Block, BlockStart, From, To, Rgb);
         }
+        BlockStart += Length;
     }
-    if (!Hidden_) {
+    if (!ShadowInForce()) {
         FlushDirty();
     }
 }
 
 uint32_t PlainTextEditRichTextBox::ColorAt(int32_t Position) const {
     const int Qt = QtPosition(Position);
-    const QTextBlock Block = Editor_->document()->findBlock(Qt);
-    const int Offset = Qt - Block.position();
+    const Location At = BlockOfQt(Qt);
+    const QTextBlock& Block = At.Block;
+    const int Offset = Qt - At.QtStart();
     for (const QTextLayout::FormatRange& Range : Block.layout()->formats()) {
         if (Offset >= Range.start && Offset < Range.start + Range.length) {
             return RgbOf(Range.format);
@@ -332,12 +423,25 @@ void PlainTextEditRichTextBox::SetVisible(bool Visible) {
         return;
     }
     if (!Visible) {
-        Shadow_ = CurrentSelection();
+        HoldView();
         Hidden_ = true;
-        Editor_->viewport()->setUpdatesEnabled(false);
         return;
     }
     Hidden_ = false;
+    if (Group_ == 0) {
+        ShowView();
+    }
+}
+
+void PlainTextEditRichTextBox::HoldView() {
+    if (ShadowInForce()) {
+        return;
+    }
+    Shadow_ = CurrentSelection();
+    Editor_->viewport()->setUpdatesEnabled(false);
+}
+
+void PlainTextEditRichTextBox::ShowView() {
     FlushDirty();
     // The selection the hidden work left goes to the editor now, once.
     const QTextCursor Current = Editor_->textCursor();
@@ -347,12 +451,51 @@ void PlainTextEditRichTextBox::SetVisible(bool Visible) {
     Editor_->viewport()->setUpdatesEnabled(true);
 }
 
-void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
-    if (Pointer == Pointer_) {
+void PlainTextEditRichTextBox::BeginEditGroup() {
+    if (Group_++ > 0) {
         return;
     }
+    HoldView();
+    // One edit block: one step of undo, and the document tells its layout
+    // and its listeners of the whole once, when the block ends.
+    GroupCursor_ = QTextCursor(Editor_->document());
+    GroupCursor_.beginEditBlock();
+}
+
+void PlainTextEditRichTextBox::EndEditGroup() {
+    if (Group_ == 0 || --Group_ > 0) {
+        return;
+    }
+    // The edits were coloured as they were made; what the document tells
+    // now of them all at once is no edit of the user's.
+    EndingGroup_ = true;
+    OwnWrite_ = true;
+    GroupCursor_.endEditBlock();
+    OwnWrite_ = false;
+    EndingGroup_ = false;
+    GroupCursor_ = QTextCursor();
+    ForgetCachedLine();
+    if (!Hidden_) {
+        ShowView();
+    }
+    ShowPointer();
+    RaisePending();
+}
+
+void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
     Pointer_ = Pointer;
-    if (Pointer == rtfWaitPointer) {
+    // A group's many short waits show as none: the pointer is set at its end.
+    if (Group_ == 0) {
+        ShowPointer();
+    }
+}
+
+void PlainTextEditRichTextBox::ShowPointer() {
+    if (Pointer_ == ShownPointer_) {
+        return;
+    }
+    ShownPointer_ = Pointer_;
+    if (Pointer_ == rtfWaitPointer) {
         Editor_->viewport()->setCursor(Qt::WaitCursor);
     } else {
         Editor_->viewport()->setCursor(Qt::IBeamCursor);
@@ -362,6 +505,10 @@ void PlainTextEditRichTextBox::SetMousePointer(int32_t Pointer) {
 // ---- Edits the editor made by itself ---------------------------------------
 
 void PlainTextEditRichTextBox::OnContentsChange(int Position, int Removed, int Added) {
+    ForgetCachedLine();
+    if (EndingGroup_) {
+        return;
+    }
     ChangePending_ = true;
     if (!OwnWrite_ && !RaiseScheduled_) {
         // An edit of the editor's own hand (a key, undo, a drop): its events
@@ -476,38 +623,74 @@ int32_t PlainTextEditRichTextBox::Find(const QString& String, int32_t Start, int
     if (String == QStringLiteral("\r")) {
         // The end of a line, from the blocks.
         const Location At = BlockAt(Start);
+        int32_t LineStart = At.CrlfStart;
         for (QTextBlock Block = At.Block; Block.isValid() && Block.next().isValid();
              Block = Block.next()) {
-            const int32_t Cr = Block.position() + Block.blockNumber() + Block.length() - 1;
+            const int32_t Cr = LineStart + Block.length() - 1;
             if (Cr >= Start) {
                 Found = Cr;
                 break;
             }
+            LineStart += Block.length() + 1;
         }
         if (Found > End) {
             Found = -1;
         }
     } else {
-        const QString Range = TextMid(Start, End - Start + 1);
-        const Qt::CaseSensitivity Case =
-            (Options & rtfMatchCase) != 0 ? Qt::CaseSensitive : Qt::CaseInsensitive;
-        qsizetype At = Range.indexOf(String, 0, Case);
-        while (At >= 0) {
-            const bool WordStart = At == 0 || !Range[At - 1].isLetterOrNumber();
-            const qsizetype After = At + String.size();
-            const bool WordEnd = After >= Range.size() || !Range[After].isLetterOrNumber();
-            if ((Options & rtfWholeWord) == 0 || (WordStart && WordEnd)) {
-                Found = Start + static_cast<int32_t>(At);
-                break;
-            }
-            At = Range.indexOf(String, At + 1, Case);
-        }
+        Found = FindInLines(String, Start, End, Options);
     }
     if (Found >= 0 && (Options & rtfNoHighlight) == 0) {
         SetSelStart(Found);
         SetSelLength(static_cast<int32_t>(String.size()));
     }
     return Found;
+}
+
+int32_t PlainTextEditRichTextBox::FindInLines(const QString& String, int32_t Start, int32_t End,
+                                              int32_t Options) const {
+    const Qt::CaseSensitivity Case =
+        (Options & rtfMatchCase) != 0 ? Qt::CaseSensitive : Qt::CaseInsensitive;
+    const bool WholeWord = (Options & rtfWholeWord) != 0;
+    const int32_t Length = static_cast<int32_t>(String.size());
+    // A word's neighbours are those in the text, whatever the range.
+    auto IsWordCharacter = [](QChar Character) { return Character.isLetterOrNumber(); };
+    if (String.contains(QLatin1Char('\r')) || String.contains(QLatin1Char('\n'))) {
+        // Across line breaks: in the text itself, which only such a search pays for.
+        const QString Text = this->Text();
+        qsizetype At = Text.indexOf(String, Start, Case);
+        for (; At >= 0 && At + Length - 1 <= End; At = Text.indexOf(String, At + 1, Case)) {
+            const bool WordStart = At == 0 || !IsWordCharacter(Text[At - 1]);
+            const bool WordEnd = At + Length >= Text.size() || !IsWordCharacter(Text[At + Length]);
+            if (!WholeWord || (WordStart && WordEnd)) {
+                return static_cast<int32_t>(At);
+            }
+        }
+        return -1;
+    }
+    // Within each line: a match ends before its line's CR.
+    const Location First = BlockAt(Start);
+    int32_t LineStart = First.CrlfStart;
+    int Number = First.Number;
+    for (QTextBlock Block = First.Block; Block.isValid() && LineStart + Length - 1 <= End;
+         Block = Block.next()) {
+        const QString Line = Block.text();
+        qsizetype At = Line.indexOf(String, std::max(0, Start - LineStart), Case);
+        for (; At >= 0; At = Line.indexOf(String, At + 1, Case)) {
+            if (LineStart + At + Length - 1 > End) {
+                return -1;
+            }
+            const bool WordStart = At == 0 || !IsWordCharacter(Line[At - 1]);
+            const bool WordEnd = At + Length >= Line.size() || !IsWordCharacter(Line[At + Length]);
+            if (!WholeWord || (WordStart && WordEnd)) {
+                // The selection of the match asks about this line next.
+                RememberLine(Block, LineStart, Number);
+                return LineStart + static_cast<int32_t>(At);
+            }
+        }
+        LineStart += static_cast<int32_t>(Block.length()) + 1;
+        ++Number;
+    }
+    return -1;
 }
 
 void PlainTextEditRichTextBox::SetSelFontName(const QString& Name) {

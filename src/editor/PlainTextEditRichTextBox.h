@@ -39,6 +39,8 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     int32_t GetLineFromChar(int32_t Position) const override;
     int32_t Find(const QString& String, int32_t Start, int32_t End, int32_t Options) override;
     void SetVisible(bool Visible) override;
+    void BeginEditGroup() override;
+    void EndEditGroup() override;
     void SetMousePointer(int32_t Pointer) override;
     void SetSelFontName(const QString& Name) override;
     void SetSelFontSize(int32_t Size) override;
@@ -58,14 +60,44 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     QPlainTextEdit* Editor() const { return Editor_; }
 
   private:
+    // A line: its block, where it starts in CR LF positions, its number, and
+    // its length in the document with the break.
     struct Location {
         QTextBlock Block;
         int32_t CrlfStart = 0;
+        int Number = -1;
+        int Length = 0;
+        int QtStart() const { return CrlfStart - Number; }
     };
     Location BlockAt(int32_t CrlfPosition) const;
+    // The line of a position in the document.
+    Location BlockOfQt(int QtPosition) const;
+    // Keeps a line as the one last asked about; its number found if not given.
+    Location RememberLine(const QTextBlock& Block, int32_t CrlfStart, int Number = -1) const;
+    // The two lines last asked about, with their CR LF spans, until the text
+    // changes: the highlighter and the caret's column ask about one line a
+    // character at a time, and step onto the line before it at its start.
+    struct CachedLine {
+        Location At;
+        int32_t CrlfEnd = 0;
+        bool IsLast = false;
+        bool Valid = false;
+        bool HoldsCrlf(int32_t Crlf) const {
+            return Valid && Crlf >= At.CrlfStart && (Crlf < CrlfEnd || IsLast);
+        }
+        bool HoldsQt(int Qt) const {
+            return Valid && Qt >= At.QtStart() && Qt < At.QtStart() + At.Length;
+        }
+    };
+    void ForgetCachedLine() const {
+        Cache_[0].Valid = false;
+        Cache_[1].Valid = false;
+    }
+    // The first match at or behind Start that ends by End, line by line.
+    int32_t FindInLines(const QString& String, int32_t Start, int32_t End, int32_t Options) const;
     int QtPosition(int32_t CrlfPosition) const;
     int32_t CrlfPosition(int QtPosition) const;
-    void ApplyColor(const QTextBlock& Block, int From, int To, uint32_t Rgb);
+    void ApplyColor(const QTextBlock& Block, int BlockStart, int From, int To, uint32_t Rgb);
     const QTextCharFormat& FormatOf(uint32_t Rgb);
     void MarkDirty(int From, int To);
     void FlushDirty();
@@ -85,9 +117,15 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     Selection CurrentSelection() const;
     void SetCurrentSelection(Selection NewSelection);
     QTextCursor CursorOf(Selection Of) const;
+    // While the control is hidden or a group of edits is open, the selection
+    // is the one kept here and the view waits.
+    bool ShadowInForce() const { return Hidden_ || Group_ > 0; }
+    void HoldView();
+    void ShowView();
 
     QPlainTextEdit* Editor_;
     mutable QTextBlock LastBlock_;
+    mutable CachedLine Cache_[2];
     QHash<uint32_t, QTextCharFormat> Formats_;
     uint32_t TypingColor_ = 0;
     bool Hidden_ = false;
@@ -95,6 +133,8 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     int DirtyFrom_ = -1;
     int DirtyTo_ = -1;
     int32_t Pointer_ = 0;
+    int32_t ShownPointer_ = 0;
+    void ShowPointer();
     std::vector<int32_t> Tabs_;
     // The selection as last told, to raise SelChange once per real move.
     int LastAnchor_ = 0;
@@ -106,4 +146,8 @@ class PlainTextEditRichTextBox : public QObject, public RichTextBox {
     bool RaiseScheduled_ = false;
     int InsertedFrom_ = -1;
     int InsertedTo_ = -1;
+    // An open group of edits: its depth, and the cursor of its edit block.
+    int Group_ = 0;
+    QTextCursor GroupCursor_;
+    bool EndingGroup_ = false;
 };

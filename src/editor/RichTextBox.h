@@ -39,6 +39,13 @@ class RichTextBox {
     virtual int32_t Find(const QString& String, int32_t Start, int32_t End, int32_t Options) = 0;
 
     virtual void SetVisible(bool Visible) = 0;
+
+    // The text writes between the two are one step of the user's undo, and
+    // the view takes up their result once, at the end: a Replace All of a
+    // module is undone at one stroke, and its many selection writes neither
+    // scroll nor lay out the lines they pass. Groups nest; the outermost counts.
+    virtual void BeginEditGroup() = 0;
+    virtual void EndEditGroup() = 0;
     // 11 the wait cursor, 0 the default one.
     virtual void SetMousePointer(int32_t Pointer) = 0;
 

@@ -57,6 +57,7 @@ frmEditBoxType::frmEditBoxType() {
         Width = width();
         Height = height();
     };
+    Model_->SetFocus = [this] { rtfEditBox->setFocus(); };
 }
 
 frmEditBoxType::~frmEditBoxType() { Model_->Form_Unload(); }

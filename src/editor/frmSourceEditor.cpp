@@ -7,10 +7,12 @@
 #include <QStatusBar>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <cstdio>
 
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
 #include "editor/frmEditBoxType.h"
+#include "editor/frmSearchAndReplace.h"
 #include "frame/CommandLineInterpreter.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/ErrorDisplay.h"
@@ -118,9 +120,13 @@ void frmSourceEditor::BuildMenus() {
     Entry(mnuEdit, mnuFindFirst, "mnuFindFirst", "&Find...", "Ctrl+F");
     Entry(mnuEdit, mnuFindNext, "mnuFindNext", "Find &Next", "F3");
     Entry(mnuEdit, mnuSearchAndReplace, "mnuSearchAndReplace", "R&eplace...", "Ctrl+H");
-    // The edit box's own keys act first; the menu's shortcuts stay for show.
+    // The edit box's own keys act first; the menu's shortcuts stay for show,
+    // but for the search's, which the edit box leaves alone.
     for (QAction* Action : mnuEdit->actions()) {
         Action->setShortcutContext(Qt::WidgetShortcut);
+    }
+    for (QAction* Action : {mnuFindFirst, mnuFindNext, mnuSearchAndReplace}) {
+        Action->setShortcutContext(Qt::WindowShortcut);
     }
 
     mnuCompileMenu = menuBar()->addMenu(QStringLiteral("&Compile"));
@@ -160,6 +166,10 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuEditPaste, &QAction::triggered, this, &frmSourceEditor::mnuEditPaste_Click);
     connect(mnuEditDelete, &QAction::triggered, this, &frmSourceEditor::mnuEditDelete_Click);
     connect(mnuEditSelectAll, &QAction::triggered, this, &frmSourceEditor::mnuEditSelectAll_Click);
+    connect(mnuFindFirst, &QAction::triggered, this, &frmSourceEditor::mnuFindFirst_Click);
+    connect(mnuFindNext, &QAction::triggered, this, &frmSourceEditor::mnuFindNext_Click);
+    connect(mnuSearchAndReplace, &QAction::triggered, this,
+            &frmSourceEditor::mnuSearchAndReplace_Click);
     connect(mnuCompile, &QAction::triggered, this, &frmSourceEditor::mnuCompile_Click);
     connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
     connect(mnuCompileStatus, &QAction::triggered, this, &frmSourceEditor::mnuCompileStatus_Click);
@@ -170,8 +180,7 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuWindowTileVertical, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::SideBySide); });
     connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
-    // Not yet: find and replace, the options, chip and project files
-    // dialogs come with their own parts.
+    // Not yet: the options, chip and project files dialogs come with their own parts.
 }
 
 void frmSourceEditor::BuildToolBar() {
@@ -328,9 +337,18 @@ void frmSourceEditor::tabEditTabStrip_Click(int Index) {
 }
 
 void frmSourceEditor::DisplayCursor(int32_t LineNumber, int32_t ColumnNumber) {
+    if (LineNumber == ShownLine && ColumnNumber == ShownColumn) {
+        return;
+    }
+    ShownLine = LineNumber;
+    ShownColumn = ColumnNumber;
     if (sbrStatus.size() > 0) {
-        sbrStatus[0]->setText(
-            QStringLiteral("Line: %1, Col: %2").arg(LineNumber).arg(ColumnNumber));
+        // Shown after every move of the caret, a Replace All's many among
+        // them: put together in one piece.
+        char Text[48];
+        const int Length =
+            std::snprintf(Text, sizeof Text, "Line: %d, Col: %d", LineNumber, ColumnNumber);
+        sbrStatus[0]->setText(QString::fromLatin1(Text, Length));
     }
 }
 
@@ -348,19 +366,19 @@ void frmSourceEditor::DisplayKVBfilename(const QString& Filename) {
 
 // ---- Active child -------------------------------------------------------------
 
-frmEditBoxType* frmSourceEditor::ActiveEditBox() const {
+frmEditBoxType* frmSourceEditor::ActiveForm() const {
     QMdiSubWindow* Sub = mdiArea->activeSubWindow();
     return Sub != nullptr ? qobject_cast<frmEditBoxType*>(Sub->widget()) : nullptr;
 }
 
 int16_t frmSourceEditor::ActiveModuleNumber() {
-    frmEditBoxType* Box = ActiveEditBox();
+    frmEditBoxType* Box = ActiveForm();
     return Box != nullptr ? Box->Model().ModuleNumber() : 0;
 }
 
 void frmSourceEditor::OnActiveEditBox(void (EditBoxModel::*Command)()) {
     // No active child is a legal state: the command then does nothing.
-    if (frmEditBoxType* Box = ActiveEditBox()) {
+    if (frmEditBoxType* Box = ActiveForm()) {
         (Box->Model().*Command)();
     }
 }
@@ -370,6 +388,50 @@ void frmSourceEditor::mnuEditCopy_Click() { OnActiveEditBox(&EditBoxModel::EditC
 void frmSourceEditor::mnuEditPaste_Click() { OnActiveEditBox(&EditBoxModel::EditPaste); }
 void frmSourceEditor::mnuEditDelete_Click() { OnActiveEditBox(&EditBoxModel::EditDelete); }
 void frmSourceEditor::mnuEditSelectAll_Click() { OnActiveEditBox(&EditBoxModel::EditSelectAll); }
+
+// ---- Search ------------------------------------------------------------------
+
+frmSearchAndReplace& frmSourceEditor::SearchDialog() {
+    frmSearchAndReplace& Dialog = Global<frmSearchAndReplace>::Get();
+    if (Dialog.parentWidget() != this) {
+        Dialog.setParent(this, Dialog.windowFlags());
+    }
+    return Dialog;
+}
+
+frmSearchAndReplace* frmSourceEditor::ShowSearchDialog() {
+    if (ActiveForm() == nullptr) {
+        return nullptr;
+    }
+    frmSearchAndReplace& Dialog = SearchDialog();
+    Dialog.show();
+    Dialog.raise();
+    Dialog.activateWindow();
+    return &Dialog;
+}
+
+void frmSourceEditor::mnuFindFirst_Click() { ShowSearchDialog(); }
+
+void frmSourceEditor::mnuFindNext_Click() {
+    if (ActiveForm() == nullptr) {
+        return;
+    }
+    if (Global<frmSearchAndReplace>::IsLoaded() && Global<frmSearchAndReplace>::Get().isVisible()) {
+        Global<frmSearchAndReplace>::Get().cmdFindNext_Click();
+        return;
+    }
+    // Loaded for the one search and unloaded again, never shown: it takes
+    // the text to find from the active module, which remembers its last one.
+    SearchDialog().cmdFindNext_Click();
+    Global<frmSearchAndReplace>::Unload();
+}
+
+void frmSourceEditor::mnuSearchAndReplace_Click() {
+    if (frmSearchAndReplace* Dialog = ShowSearchDialog()) {
+        // Into the replace mode.
+        Dialog->cmdReplaceOnce_Click();
+    }
+}
 
 // ---- Recent projects ---------------------------------------------------------
 
@@ -736,7 +798,8 @@ void frmSourceEditor::mnuWatchWindow_Click() {
     // The watch window takes the serial line: the monitor port must let go.
     if (MonitorPortExecutive::IsMonitorPortOpen()) {
         const int Answer = ErrorDisplay::AskYesNoCancel(
-            QStringLiteral("Monitor port must be closed\nto use the watch window.\nClose port now?"),
+            QStringLiteral(
+                "Monitor port must be closed\nto use the watch window.\nClose port now?"),
             QStringLiteral("Monitor port"));
         if (Answer != 6) {
             return;
@@ -806,9 +869,10 @@ void frmSourceEditor::barEditorToolbar_ButtonClick(const QString& Key) {
         mnuEditPaste_Click();
     } else if (Key == QStringLiteral("CompileAndRun")) {
         mnuCompileAndRun_Click();
-    } else if (Key == QStringLiteral("Find") || Key == QStringLiteral("ChipDialog") ||
-               Key == QStringLiteral("ProjectFiles")) {
-        // Not yet: the search, chip and project files dialogs come with their parts.
+    } else if (Key == QStringLiteral("Find")) {
+        mnuFindFirst_Click();
+    } else if (Key == QStringLiteral("ChipDialog") || Key == QStringLiteral("ProjectFiles")) {
+        // Not yet: the chip and project files dialogs come with their parts.
     } else {
         ErrorDisplay::ProbeError(
             QStringLiteral("Error1 in frmSourceEditor.barEditorToolbar_ButtonClick"));

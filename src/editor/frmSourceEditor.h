@@ -18,6 +18,7 @@
 #include "project/ProjectEditorHost.h"
 
 class frmEditBoxType;
+class frmSearchAndReplace;
 
 // The editor's main window: the module windows in a multi-document area, a
 // tab per module, the menus and tool bar that turn commands into calls on
@@ -40,6 +41,8 @@ class frmSourceEditor : public QMainWindow,
     void SaveGeometry();
     void ConfigureMenus(bool ProjectIsOpen) override;
     int16_t ActiveModuleNumber() override;
+    // The active module window; none is a legal state.
+    frmEditBoxType* ActiveForm() const;
     void OpenProject(const QString& Path, const QString& Name, const QString& Extension,
                      bool IsNewProject);
     void OpenProjectDialog(QString& LongFilename, bool& IsNewFile, bool& UserCancelled);
@@ -133,6 +136,9 @@ class frmSourceEditor : public QMainWindow,
     void mnuSaveModuleAs_Click();
     void mnuSetWorkingDirectory_Click();
     void mnuEditSelectAll_Click();
+    void mnuFindFirst_Click();
+    void mnuFindNext_Click();
+    void mnuSearchAndReplace_Click();
     void mnuCompile_Click();
     void mnuCompileAndRun_Click();
     void mnuCompileStatus_Click();
@@ -157,10 +163,16 @@ class frmSourceEditor : public QMainWindow,
     // full width; Tile Vertical sets them side by side, each its full height.
     enum class Tiling { TopToBottom, SideBySide };
     void TileModuleWindows(Tiling Arrangement);
-    frmEditBoxType* ActiveEditBox() const;
     bool TabClickArmed = true;
+    // The caret's place as the status bar shows it.
+    int32_t ShownLine = -1;
+    int32_t ShownColumn = -1;
     bool ExitConfirmed = false;
     void OnActiveEditBox(void (EditBoxModel::*Command)());
+    // The search dialog, loaded if need be and owned by this window.
+    frmSearchAndReplace& SearchDialog();
+    // With an active module window: the search dialog, shown and in front.
+    frmSearchAndReplace* ShowSearchDialog();
     // "Save changes to NAME?" for module Number: 6 Yes, 7 No, 2 Cancel.
     int AskToSaveModule(int16_t Number);
     WindowGeometry Placement;

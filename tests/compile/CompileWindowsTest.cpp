@@ -24,6 +24,7 @@
 #include "project/ProjectType.h"
 #include "sim/SimulatedSerialLine.h"
 #include "support/QtPrinters.h"
+#include "support/SourceEditorFixture.h"
 
 namespace {
 
@@ -40,10 +41,7 @@ class CompileWindowsTest : public CompileFixture {
         Settle();
     }
     void TearDown() override {
-        Global<ProjectType>::Unload();
-        Global<frmSourceEditor>::Unload();
-        Global<frmDownloader>::Unload();
-        frmDownloader::ResetProcessEnded();
+        UnloadEditorWindows();
         DirectoryCentral::SetCompilerVersionCheck(nullptr);
         CompileFixture::TearDown();
     }
@@ -59,15 +57,7 @@ class CompileWindowsTest : public CompileFixture {
         Editor->OpenProject(Work, QStringLiteral("blink"), QStringLiteral("kvp"), false);
         Settle();
     }
-    frmEditBoxType* Module(int Number) {
-        for (QMdiSubWindow* Sub : Editor->mdiArea->subWindowList()) {
-            auto* Box = qobject_cast<frmEditBoxType*>(Sub->widget());
-            if (Box != nullptr && Box->Model().ModuleNumber() == Number) {
-                return Box;
-            }
-        }
-        return nullptr;
-    }
+    frmEditBoxType* Module(int Number) { return ModuleWindow(*Editor, Number); }
     QString Selected(int Number) { return Module(Number)->rtfEditBox->textCursor().selectedText(); }
     QString Panel(int Number) const { return Editor->sbrStatus[Number - 1]->text(); }
     // Runs Inspect on the status window once it is up, then presses its OK.

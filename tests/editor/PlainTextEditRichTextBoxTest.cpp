@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 #include <QTest>
 #include <QTextBlock>
+#include <random>
 
 #include "editor/PlainTextEditRichTextBox.h"
 #include "editor/SyntaxHighlighterType.h"
@@ -94,6 +95,109 @@ TEST_F(AdapterTest, FindOfTextSelectsItUnlessTold) {
     EXPECT_EQ(Box->Find(QStringLiteral("cd"), 0, 8, rtfMatchCase), 7);
     EXPECT_EQ(Box->SelStart(), 7);
     EXPECT_EQ(Box->SelLength(), 2);
+}
+
+TEST_F(AdapterTest, FindOfAWholeWordLooksAtItsNeighboursInTheText) {
+    Box->SetText(QStringLiteral("abcd cd\r\ncd cdx"));
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 2, 16, rtfWholeWord | rtfNoHighlight), 5)
+        << "the search begins inside a word: that is no word's start";
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 6, 16, rtfWholeWord | rtfNoHighlight), 9)
+        << "a line break ends a word";
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 10, 15, rtfWholeWord | rtfNoHighlight), -1)
+        << "the range ends where the text goes on with the word";
+    EXPECT_EQ(Box->Find(QStringLiteral("cd"), 10, 15, rtfNoHighlight), 12);
+}
+
+TEST_F(AdapterTest, FindOfTextEndsWithinTheRangeAndMayCrossALineBreak) {
+    Box->SetText(QStringLiteral("ab\r\ncd\r\nab"));
+    EXPECT_EQ(Box->Find(QStringLiteral("AB"), 1, 9, rtfNoHighlight), 8);
+    EXPECT_EQ(Box->Find(QStringLiteral("ab"), 1, 8, rtfNoHighlight), -1);
+    EXPECT_EQ(Box->Find(QStringLiteral("b\r\nc"), 0, 9, rtfNoHighlight), 1);
+    EXPECT_EQ(Box->Find(QStringLiteral("d\r\nA"), 0, 9, rtfMatchCase | rtfNoHighlight), -1);
+    EXPECT_EQ(Box->Find(QStringLiteral("x"), 0, 9, rtfNoHighlight), -1);
+}
+
+TEST_F(AdapterTest, AGroupOfEditsIsOneUndoStepAndTheViewTakesItUpAtItsEnd) {
+    Box->SetText(QStringLiteral("a a\r\na"));
+    const QTextCursor Before = Editor.textCursor();
+    Events.clear();
+    Box->BeginEditGroup();
+    for (const int32_t At : {0, 3, 7}) {
+        Box->SetSelStart(At);
+        Box->SetSelLength(1);
+        Box->SetSelText(QStringLiteral("bb"));
+    }
+    EXPECT_EQ(Box->Text(), QStringLiteral("bb bb\r\nbb"));
+    EXPECT_EQ(Box->SelStart(), 9);
+    EXPECT_EQ(Editor.textCursor().position(), Before.position()) << "the view waits";
+    EXPECT_EQ(Events.count(QLatin1Char('C')), 3) << "each edit is a change of the control";
+    Box->EndEditGroup();
+    Settle();
+    EXPECT_EQ(Editor.textCursor().position(), 8);
+    EXPECT_EQ(Events.count(QLatin1Char('C')), 3) << "the group's end is no edit of its own";
+    Editor.undo();
+    EXPECT_EQ(Box->Text(), QStringLiteral("a a\r\na"));
+    EXPECT_FALSE(Editor.document()->isUndoAvailable());
+}
+
+TEST_F(AdapterTest, LinesAndPositionsStayRightThroughEditsInsideAndAcrossLines) {
+    // The control keeps the lines it was last asked about, and an edit inside
+    // one of them adjusts them; after every edit each answer must still be the
+    // text's own: the line of a position, and where the caret lands when put there.
+    Box->SetText(QStringLiteral("ab\r\ncd ef\r\n\r\nghi\r\njk"));
+    std::mt19937 Random(18);
+    const QStringList Pieces = {QStringLiteral("x"), QStringLiteral("yz "), QString(),
+                                QStringLiteral("\r\n"), QStringLiteral("q\r\nr")};
+    auto Any = [&Random](int32_t Limit) {
+        return static_cast<int32_t>(Random() % static_cast<uint32_t>(Limit + 1));
+    };
+    auto Probe = [this](const QString& Text, int32_t At, int Step) {
+        const auto Length = static_cast<int32_t>(Text.size());
+        EXPECT_EQ(Box->GetLineFromChar(At), Text.left(std::max(0, At)).count('\n'))
+            << "step " << Step << " at " << At;
+        // The LF of a break puts the caret at the start of the next line.
+        int32_t Landing = std::clamp(At, 0, Length);
+        if (Landing < Length && Text[Landing] == QLatin1Char('\n')) {
+            ++Landing;
+        }
+        Box->SetSelStart(At);
+        EXPECT_EQ(Box->SelStart(), Landing) << "step " << Step << " at " << At;
+    };
+    for (int Step = 0; Step < 400 && !HasFailure(); ++Step) {
+        const QString Text = Box->Text();
+        const auto Length = static_cast<int32_t>(Text.size());
+        const int32_t Asked = Any(Length);
+        Probe(Text, Any(Length), Step);
+        Probe(Text, Asked, Step);
+        const int32_t Start = Any(Length);
+        Box->SetSelStart(Start);
+        Box->SetSelLength(Any(std::min(3, Length - Start)));
+        const int32_t SelStart = Box->SelStart();
+        const QString Selected = Box->SelText();
+        ASSERT_EQ(Selected, Text.mid(SelStart, Selected.size())) << "step " << Step;
+        if (Step % 2 != 0) {
+            continue;
+        }
+        const QString Piece = Pieces[static_cast<int>(Random() % Pieces.size())];
+        Box->SetSelText(Piece);
+        const QString Edited = Text.left(SelStart) + Piece + Text.mid(SelStart + Selected.size());
+        const auto Caret = static_cast<int32_t>(SelStart + Piece.size());
+        ASSERT_EQ(Box->SelStart(), Caret) << "step " << Step;
+        // First the line asked about before the edit, which may have moved with it,
+        // then the edited line, which may have grown or shrunk.
+        const int32_t Moved = Asked < SelStart + Selected.size()
+                                  ? Asked
+                                  : Asked + static_cast<int32_t>(Piece.size() - Selected.size());
+        const auto LineStart = static_cast<int32_t>(Edited.lastIndexOf('\n', Moved - 1) + 1);
+        const auto LineEnd = static_cast<int32_t>(Edited.indexOf('\r', Moved));
+        for (int32_t At = LineStart - 3; At <= (LineEnd < 0 ? Moved : LineEnd) + 3; ++At) {
+            Probe(Edited, At, Step);
+        }
+        for (int32_t At = SelStart - 8; At <= Caret + 8; ++At) {
+            Probe(Edited, At, Step);
+        }
+        ASSERT_EQ(Box->Text(), Edited) << "step " << Step;
+    }
 }
 
 TEST_F(AdapterTest, CharactersAbove255RoundTrip) {

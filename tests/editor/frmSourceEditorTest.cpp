@@ -18,51 +18,24 @@
 #include "support/FrameFixture.h"
 #include "support/QtPrinters.h"
 #include "support/ScriptedFileDialogService.h"
+#include "support/SourceEditorFixture.h"
 
 namespace {
 
-class SourceEditorTest : public FrameFixture {
+class SourceEditorTest : public SourceEditorFixture {
   protected:
     void SetUp() override {
-        FrameFixture::SetUp();
-        auto Scripted = std::make_unique<ScriptedFileDialogService>();
-        Dialogs = Scripted.get();
-        FileDialogService::Install(std::move(Scripted));
-        ClipboardService::Install(std::make_unique<MemoryClipboardService>());
-        ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
+        SourceEditorFixture::SetUp();
         WriteFile(QStringLiteral("blink.kvp"), "main.bas\r\nled.bas\r\n");
         WriteFile(QStringLiteral("main.bas"), "Option Explicit\r\n");
         WriteFile(QStringLiteral("led.bas"), "x = \"on\"");
         WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
-        Editor = &Global<frmSourceEditor>::Get();
-        Editor->show();
-        Settle();
     }
-    void TearDown() override {
-        Global<ProjectType>::Unload();
-        Global<frmSourceEditor>::Unload();
-        Global<frmDownloader>::Unload();
-        frmDownloader::ResetProcessEnded();
-        ModuleEditWindow::SetFactory(nullptr);
-        FileDialogService::Install(std::make_unique<CancellingFileDialogService>());
-        FrameFixture::TearDown();
-    }
-    static void Settle() { QCoreApplication::processEvents(); }
     QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
     void OpenBlink() {
         Dialogs->Answers.push_back(File(QStringLiteral("blink.kvp")));
         Editor->mnuOpenProject->trigger();
         Settle();
-    }
-    frmEditBoxType* Module(int Number) {
-        const QList<QMdiSubWindow*> Windows = Editor->mdiArea->subWindowList();
-        for (QMdiSubWindow* Sub : Windows) {
-            auto* Box = qobject_cast<frmEditBoxType*>(Sub->widget());
-            if (Box != nullptr && Box->Model().ModuleNumber() == Number) {
-                return Box;
-            }
-        }
-        return nullptr;
     }
     QStringList Tabs() const {
         QStringList List;
@@ -71,9 +44,6 @@ class SourceEditorTest : public FrameFixture {
         }
         return List;
     }
-
-    ScriptedFileDialogService* Dialogs = nullptr;
-    frmSourceEditor* Editor = nullptr;
 };
 
 TEST_F(SourceEditorTest, WithoutAProjectOnlyOpeningNewAndExitAreReachable) {

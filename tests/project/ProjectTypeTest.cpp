@@ -10,44 +10,17 @@
 #include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
 #include "support/ModelEditWindow.h"
+#include "support/ModelProjectFixture.h"
 #include "support/QtPrinters.h"
 
 namespace {
 
-class RecordingEditor : public ProjectEditorHost {
-  public:
-    void AddNewTab(const QString& Name) override { Tabs << Name; }
-    void ClearAllTabs() override { Tabs.clear(); }
-    void ConfigureMenus(bool ProjectIsOpen) override { MenusOpen = ProjectIsOpen; }
-    void ActivateTab(int16_t ModuleNumber) override { Activated << ModuleNumber; }
-    int16_t ActiveModuleNumber() override { return Active; }
-    void InitializeRecentProjectList() override { ++RecentRefreshes; }
-    void DisplayKVBfilename(const QString& Filename) override { Kvb = Filename; }
-    QStringList Tabs;
-    bool MenusOpen = false;
-    QList<int16_t> Activated;
-    int16_t Active = 0;
-    int RecentRefreshes = 0;
-    QString Kvb;
-};
-
-class ProjectTest : public FrameFixture {
+class ProjectTest : public ModelProjectFixture {
   protected:
     void SetUp() override {
-        FrameFixture::SetUp();
-        ProjectEditorHost::Install(&Editor);
-        ModuleEditWindow::SetFactory([] { return std::make_unique<ModelEditWindow>(); });
+        ModelProjectFixture::SetUp();
         RecentProjects::LoadList();
         Dir = TempPath();
-    }
-    void TearDown() override {
-        Global<ProjectType>::Unload();
-        Global<FileExecutivePRF>::Unload();
-        ModuleEditWindow::SetFactory(nullptr);
-        ProjectEditorHost::Install(nullptr);
-        GlobalData::ProjectFilename.clear();
-        GlobalData::DownloadFilename.clear();
-        FrameFixture::TearDown();
     }
     QString File(const QString& Name) const { return Dir + QLatin1Char('/') + Name; }
     QByteArray Bytes(const QString& Name) const {
@@ -59,10 +32,6 @@ class ProjectTest : public FrameFixture {
         Project().OpenProject(Dir, Name, QStringLiteral("kvp"), false);
         return Project();
     }
-    ModelEditWindow* WindowOf(int16_t Number) {
-        return static_cast<ModelEditWindow*>(
-            Project().ModuleList().GetModule(Number)->EditWindow());
-    }
     QStringList Texts() const {
         QStringList List;
         for (const auto& Box : Boxes->Boxes) {
@@ -71,7 +40,6 @@ class ProjectTest : public FrameFixture {
         return List;
     }
 
-    RecordingEditor Editor;
     QString Dir;
 };
 

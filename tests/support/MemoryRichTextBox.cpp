@@ -38,6 +38,7 @@ void MemoryRichTextBox::SetText(const QString& Text) {
     Replace(0, 0, Text, TypingColor);
     Select(0, 0);
     SelStart_ = 0;
+    UndoSteps = 0;
 }
 
 QString MemoryRichTextBox::TextMid(int32_t Start, int32_t Count) const {
@@ -66,8 +67,20 @@ void MemoryRichTextBox::SetSelColor(uint32_t Rgb) {
 }
 
 void MemoryRichTextBox::SetSelText(const QString& Text) {
+    if (GroupDepth == 0 || !GroupHasEdit_) {
+        ++UndoSteps;
+        GroupHasEdit_ = GroupDepth > 0;
+    }
     Replace(SelStart_, SelLength_, Text, TypingColor);
 }
+
+void MemoryRichTextBox::BeginEditGroup() {
+    if (GroupDepth++ == 0) {
+        GroupHasEdit_ = false;
+    }
+}
+
+void MemoryRichTextBox::EndEditGroup() { GroupDepth = std::max(0, GroupDepth - 1); }
 
 void MemoryRichTextBox::Type(const QString& Text) { SetSelText(Text); }
 

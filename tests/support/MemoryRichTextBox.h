@@ -35,6 +35,9 @@ class MemoryRichTextBox : public RichTextBox {
     int32_t GetLineFromChar(int32_t Position) const override;
     int32_t Find(const QString& String, int32_t Start, int32_t End, int32_t Options) override;
     void SetVisible(bool IsVisible) override;
+    // A group's text writes count as one step of undo.
+    void BeginEditGroup() override;
+    void EndEditGroup() override;
     void SetMousePointer(int32_t Pointer) override { MousePointer = Pointer; }
     void SetSelFontName(const QString& Name) override { FontName = Name; }
     void SetSelFontSize(int32_t Size) override { FontSize = Size; }
@@ -70,6 +73,10 @@ class MemoryRichTextBox : public RichTextBox {
     int32_t HideCount = 0;
     mutable int32_t LineQueries = 0;
     int32_t SelChangeEvents = 0;
+    // Steps of undo the text writes since the last SetText would take; the
+    // depth of the open group.
+    int32_t UndoSteps = 0;
+    int32_t GroupDepth = 0;
 
   private:
     void Select(int32_t Start, int32_t Length);
@@ -82,4 +89,5 @@ class MemoryRichTextBox : public RichTextBox {
     int32_t RequestedLength_ = 0;
     int32_t Width_ = 0;
     int32_t Height_ = 0;
+    bool GroupHasEdit_ = false;
 };
