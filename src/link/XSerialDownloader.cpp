@@ -28,6 +28,11 @@ KavlinControl& Link() {
 
 void PortError(const QString& Text) { ErrorDisplay::ShowErrorMessage(Text, QStringLiteral("Port Error")); }
 
+void HaltError() {
+    ErrorDisplay::ShowErrorMessage(QStringLiteral("Error halting processor"),
+                                   QStringLiteral("Halt Error"));
+}
+
 using BlockBuilder = ConfigurationBytes::ConfigurationBlock (*)(const ConfigurationBytes::RegisterArray&);
 using Configurer = void (*)(ConfigurationBytes::RegisterArray&);
 
@@ -44,8 +49,7 @@ void Download(Configurer Configure, BlockBuilder Build, int32_t FileSizeKVB, boo
         DownloaderStatusTypes Status = dlOK;
         Link().HaltKavlin(Status);
         if (Status != dlOK) {
-            ErrorDisplay::ShowErrorMessage(QStringLiteral("Error halting processor"),
-                                           QStringLiteral("Halt Error"));
+            HaltError();
             return;
         }
         // The configuration first: a chip whose program write fails has the
@@ -170,15 +174,13 @@ void RunChipCommand(int16_t Command) {
                 // No power or reset line reaches the host: both halt the chip.
                 Link().HaltKavlin(Status);
                 if (Status != dlOK) {
-                    ErrorDisplay::ShowErrorMessage(QStringLiteral("Error halting processor"),
-                                                   QStringLiteral("Halt Error"));
+                    HaltError();
                 }
                 break;
             case ExecuteCommand:
                 Link().HaltKavlin(Status);
                 if (Status != dlOK) {
-                    ErrorDisplay::ShowErrorMessage(QStringLiteral("Error halting processor"),
-                                                   QStringLiteral("Halt Error"));
+                    HaltError();
                     break;
                 }
                 Link().ResetKavlin(Status);
