@@ -106,7 +106,7 @@ TEST_F(ProjectFilesModelTest, RemovingAChangedModuleAsksAndYesSavesItFirst) {
     WindowOf(3)->SetHasChanged(true);
     Boxes->QueueAnswer(6);
     EXPECT_EQ(RemoveModule(3, 3), RemoveOutcome::Removed);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral("Remove Module|Save changes to led?")});
+    ASSERT_EQ(Messages(), QStringList{QStringLiteral("Remove Module|Save changes to led?")});
     EXPECT_EQ(Boxes->Boxes[0].Buttons, MsgBoxButtons::YesNoCancel);
     EXPECT_EQ(Bytes(QStringLiteral("led.bas")), QByteArray("x = 5"));
     EXPECT_EQ(Project().ModuleCount(), 2);
