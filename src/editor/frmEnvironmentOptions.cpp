@@ -3,6 +3,7 @@
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QPixmap>
 #include <QVBoxLayout>
 
@@ -162,6 +163,11 @@ void frmEnvironmentOptions::InitializeColors() {
         QPixmap Swatch(48, 14);
         Swatch.fill(
             QColor::fromRgb(static_cast<QRgb>(SyntaxHighlighterType::ColorFromIndex(Index))));
+        // Outlined, so that white shows on a white list.
+        QPainter Outline(&Swatch);
+        Outline.setPen(QColor(0x80, 0x80, 0x80));
+        Outline.drawRect(0, 0, Swatch.width() - 1, Swatch.height() - 1);
+        Outline.end();
         // A swatch and no text; the key names the colour to a screen reader.
         for (QComboBox* Picker :
              {icbCodeColor, icbCommentColor, icbStringLiteralColor, icbBackgroundColor}) {

@@ -45,7 +45,8 @@ frmProjectFiles::frmProjectFiles() {
     Buttons->addWidget(cmdPrjFilesOk);
     Buttons->addWidget(cmdPrjFilesCancel);
     Layout->addLayout(Buttons);
-    resize(420, 300);
+    // Room for a module's full name.
+    lstProjectFiles->setMinimumWidth(360);
 
     connect(cmdAddPrjFile, &QPushButton::clicked, this, &frmProjectFiles::cmdAddPrjFile_Click);
     connect(cmdRemovePrjFile, &QPushButton::clicked, this,
