@@ -37,6 +37,31 @@ void AddPicker(QFormLayout* Form, const char* Caption, QComboBox* Picker) {
     Picker->setMinimumWidth(90);
     Form->addRow(QString::fromLatin1(Caption), Picker);
 }
+// A control to be made: where it goes and its name.
+template <class Control>
+struct ControlSlot {
+    Control** Member;
+    const char* Name;
+};
+
+// The three compiler options of a group: the defaults for new projects and
+// the open project's own look the same.
+void AddCompilerOptions(QGroupBox* Group, ControlSlot<QCheckBox> Strict,
+                        ControlSlot<QCheckBox> Optimize, ControlSlot<QLabel> MaxVstrLabel,
+                        ControlSlot<QLineEdit> MaxVstr) {
+    *Strict.Member =
+        Named(new QCheckBox(QStringLiteral("Use &Strict Syntax Rules"), Group), Strict.Name);
+    *Optimize.Member =
+        Named(new QCheckBox(QStringLiteral("Code Optimi&zer"), Group), Optimize.Name);
+    *MaxVstrLabel.Member =
+        Named(Label("Maximum string lengh (characters)", Group), MaxVstrLabel.Name);
+    *MaxVstr.Member = Named(new QLineEdit(Group), MaxVstr.Name);
+    auto* Grid = new QGridLayout(Group);
+    Grid->addWidget(*Strict.Member, 0, 0, 1, 2);
+    Grid->addWidget(*Optimize.Member, 1, 0, 1, 2);
+    Grid->addWidget(*MaxVstrLabel.Member, 2, 0);
+    Grid->addWidget(*MaxVstr.Member, 2, 1);
+}
 }  // namespace
 
 frmEnvironmentOptions::frmEnvironmentOptions() {
@@ -59,35 +84,14 @@ frmEnvironmentOptions::frmEnvironmentOptions() {
     fraProjectOptions =
         Named(new QGroupBox(QStringLiteral("When Creating New Project"), ProjectPage),
               "fraProjectOptions");
-    chkStrictSyntaxRules =
-        Named(new QCheckBox(QStringLiteral("Use &Strict Syntax Rules"), fraProjectOptions),
-              "chkStrictSyntaxRules");
-    chkOptimizeEnable = Named(new QCheckBox(QStringLiteral("Code Optimi&zer"), fraProjectOptions),
-                              "chkOptimizeEnable");
-    Label1 = Named(Label("Maximum string lengh (characters)", fraProjectOptions), "Label1");
-    txtMaxVstr = Named(new QLineEdit(fraProjectOptions), "txtMaxVstr");
-    auto* NewProject = new QGridLayout(fraProjectOptions);
-    NewProject->addWidget(chkStrictSyntaxRules, 0, 0, 1, 2);
-    NewProject->addWidget(chkOptimizeEnable, 1, 0, 1, 2);
-    NewProject->addWidget(Label1, 2, 0);
-    NewProject->addWidget(txtMaxVstr, 2, 1);
-
+    AddCompilerOptions(fraProjectOptions, {&chkStrictSyntaxRules, "chkStrictSyntaxRules"},
+                       {&chkOptimizeEnable, "chkOptimizeEnable"}, {&Label1, "Label1"},
+                       {&txtMaxVstr, "txtMaxVstr"});
     fraProjectOptionsCUR =
         Named(new QGroupBox(QStringLiteral("This Project"), ProjectPage), "fraProjectOptionsCUR");
-    chkStrictSyntaxRulesCUR =
-        Named(new QCheckBox(QStringLiteral("Use &Strict Syntax Rules"), fraProjectOptionsCUR),
-              "chkStrictSyntaxRulesCUR");
-    chkOptimizeEnableCUR =
-        Named(new QCheckBox(QStringLiteral("Code Optimi&zer"), fraProjectOptionsCUR),
-              "chkOptimizeEnableCUR");
-    lblMaxVstrCUR =
-        Named(Label("Maximum string lengh (characters)", fraProjectOptionsCUR), "lblMaxVstrCUR");
-    txtMaxVstrCUR = Named(new QLineEdit(fraProjectOptionsCUR), "txtMaxVstrCUR");
-    auto* ThisProject = new QGridLayout(fraProjectOptionsCUR);
-    ThisProject->addWidget(chkStrictSyntaxRulesCUR, 0, 0, 1, 2);
-    ThisProject->addWidget(chkOptimizeEnableCUR, 1, 0, 1, 2);
-    ThisProject->addWidget(lblMaxVstrCUR, 2, 0);
-    ThisProject->addWidget(txtMaxVstrCUR, 2, 1);
+    AddCompilerOptions(fraProjectOptionsCUR, {&chkStrictSyntaxRulesCUR, "chkStrictSyntaxRulesCUR"},
+                       {&chkOptimizeEnableCUR, "chkOptimizeEnableCUR"},
+                       {&lblMaxVstrCUR, "lblMaxVstrCUR"}, {&txtMaxVstrCUR, "txtMaxVstrCUR"});
 
     auto* ProjectLayout = new QVBoxLayout(ProjectPage);
     ProjectLayout->addWidget(Frame1);
@@ -152,10 +156,8 @@ frmEnvironmentOptions::frmEnvironmentOptions() {
 }
 
 frmEnvironmentOptions::~frmEnvironmentOptions() {
-    if (Global<frmEnvironmentOptions>::IsLoaded() &&
-        &Global<frmEnvironmentOptions>::Get() == this) {
-        Global<frmEnvironmentOptions>::Release();
-    }
+    // Deleted with its owner, the editor: the next use makes a fresh one.
+    Global<frmEnvironmentOptions>::Forget(this);
 }
 
 void frmEnvironmentOptions::InitializeColors() {

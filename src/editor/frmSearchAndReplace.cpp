@@ -85,9 +85,7 @@ frmSearchAndReplace::frmSearchAndReplace() : Model_(*this) {
 
 frmSearchAndReplace::~frmSearchAndReplace() {
     // Deleted with its owner, the main window: the next use makes a fresh one.
-    if (Global<frmSearchAndReplace>::IsLoaded() && &Global<frmSearchAndReplace>::Get() == this) {
-        Global<frmSearchAndReplace>::Release();
-    }
+    Global<frmSearchAndReplace>::Forget(this);
 }
 
 void frmSearchAndReplace::Form_Load() { Model_.Form_Load(); }
@@ -172,8 +170,5 @@ void frmSearchAndReplace::closeEvent(QCloseEvent* Event) {
 void frmSearchAndReplace::Unload() {
     hide();
     // Unloaded at once: the next Find loads a fresh dialog from the selection.
-    if (Global<frmSearchAndReplace>::IsLoaded() && &Global<frmSearchAndReplace>::Get() == this) {
-        Global<frmSearchAndReplace>::Release();
-        deleteLater();
-    }
+    Global<frmSearchAndReplace>::UnloadLater(this);
 }

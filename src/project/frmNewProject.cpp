@@ -70,9 +70,7 @@ frmNewProject::frmNewProject() {
 
 frmNewProject::~frmNewProject() {
     // Deleted with its owner, the editor: the next use makes a fresh one.
-    if (Global<frmNewProject>::IsLoaded() && &Global<frmNewProject>::Get() == this) {
-        Global<frmNewProject>::Release();
-    }
+    Global<frmNewProject>::Forget(this);
 }
 
 void frmNewProject::Form_Load() {
@@ -129,8 +127,5 @@ void frmNewProject::closeEvent(QCloseEvent* Event) {
 
 void frmNewProject::Unload() {
     hide();
-    if (Global<frmNewProject>::IsLoaded() && &Global<frmNewProject>::Get() == this) {
-        Global<frmNewProject>::Release();
-        deleteLater();
-    }
+    Global<frmNewProject>::UnloadLater(this);
 }

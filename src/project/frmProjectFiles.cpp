@@ -59,9 +59,7 @@ frmProjectFiles::frmProjectFiles() {
 
 frmProjectFiles::~frmProjectFiles() {
     // Deleted with its owner, the editor: the next use makes a fresh one.
-    if (Global<frmProjectFiles>::IsLoaded() && &Global<frmProjectFiles>::Get() == this) {
-        Global<frmProjectFiles>::Release();
-    }
+    Global<frmProjectFiles>::Forget(this);
 }
 
 void frmProjectFiles::Form_Load() {
@@ -120,8 +118,5 @@ void frmProjectFiles::closeEvent(QCloseEvent* Event) {
 
 void frmProjectFiles::Unload() {
     hide();
-    if (Global<frmProjectFiles>::IsLoaded() && &Global<frmProjectFiles>::Get() == this) {
-        Global<frmProjectFiles>::Release();
-        deleteLater();
-    }
+    Global<frmProjectFiles>::UnloadLater(this);
 }

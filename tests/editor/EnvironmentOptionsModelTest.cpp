@@ -16,13 +16,8 @@ using namespace EnvironmentOptionsModel;
 
 class EnvironmentOptionsModelTest : public ModelProjectFixture {
   protected:
-    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
-    QByteArray Bytes(const QString& Name) const {
-        QFile F(File(Name));
-        return F.open(QIODevice::ReadOnly) ? F.readAll() : QByteArray("<none>");
-    }
     int32_t PrfRecord(int32_t Number) const {
-        return PrfRecordType::Decode(Bytes(QStringLiteral("blink.prf")),
+        return PrfRecordType::Decode(TempFileBytes(QStringLiteral("blink.prf")),
                                      PrfRecordType::OffsetOf(Number))
             .Value;
     }
@@ -36,13 +31,6 @@ class EnvironmentOptionsModelTest : public ModelProjectFixture {
         WriteFile(QStringLiteral("blink.kvp"), "main.bas\r\nled.bas\r\n");
         Project().OpenProject(TempPath(), QStringLiteral("blink"), QStringLiteral("kvp"), false);
         ASSERT_EQ(Project().ModuleCount(), 2);
-    }
-    QStringList Messages() const {
-        QStringList List;
-        for (const auto& Box : Boxes->Boxes) {
-            List << Box.Title + QLatin1Char('|') + Box.Text;
-        }
-        return List;
     }
     static QString RangeMessage(const QString& Typed) {
         return QStringLiteral("String Length Overflow|Variable length string size ") + Typed +
@@ -100,7 +88,7 @@ TEST_F(EnvironmentOptionsModelTest, WithNoOpenProjectThisProjectIsDisabledEmptyA
     EXPECT_EQ(Accept(Values), AcceptOutcome::Accepted);
     EXPECT_FALSE(Project().IsDefined());
     EXPECT_TRUE(Boxes->Boxes.isEmpty()) << "the empty project length is not checked";
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral(".prf"))));
+    EXPECT_FALSE(QFile::exists(TempFile(QStringLiteral(".prf"))));
 }
 
 TEST_F(EnvironmentOptionsModelTest, OpenProjectShowsItsPreferenceFilesOptions) {
@@ -133,7 +121,7 @@ TEST_P(MaxVstrRangeTest, DefaultStringLengthIsCheckedAgainstOneToSixtyFour) {
         EXPECT_EQ(Setting(QStringLiteral("MaxVstr")), QString::number(Val(Values.MaxVstr)));
     } else {
         EXPECT_EQ(Outcome, AcceptOutcome::RejectedMaxVstr);
-        EXPECT_EQ(Messages(), QStringList{RangeMessage(Values.MaxVstr)});
+        EXPECT_EQ(BoxMessages(), QStringList{RangeMessage(Values.MaxVstr)});
         EXPECT_TRUE(Setting(QStringLiteral("MaxVstr")).isEmpty());
     }
 }
@@ -149,7 +137,7 @@ TEST_P(MaxVstrRangeTest, ProjectStringLengthIsCheckedAgainstOneToSixtyFour) {
         EXPECT_EQ(PrfRecord(615), static_cast<int32_t>(Val(Values.MaxVstrCUR)));
     } else {
         EXPECT_EQ(Outcome, AcceptOutcome::RejectedMaxVstrCUR);
-        EXPECT_EQ(Messages(), QStringList{RangeMessage(Values.MaxVstrCUR)});
+        EXPECT_EQ(BoxMessages(), QStringList{RangeMessage(Values.MaxVstrCUR)});
         EXPECT_EQ(PrfRecord(615), 16) << "the file is not written";
     }
 }
@@ -208,7 +196,7 @@ TEST_F(EnvironmentOptionsModelTest, ThisProjectsOptionsAreWrittenToItsPreference
     EXPECT_EQ(PrfRecord(607), 0);
     EXPECT_EQ(PrfRecord(612), 0);
     EXPECT_EQ(PrfRecord(615), 40);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.prf")).size(), 8610);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.prf")).size(), 8610);
     // The defaults for new projects are the environment's, not this project's.
     EXPECT_EQ(Setting(QStringLiteral("Strict_Syntax_Rules")), QStringLiteral("True"));
     EXPECT_EQ(Setting(QStringLiteral("MaxVstr")), QStringLiteral("16"));

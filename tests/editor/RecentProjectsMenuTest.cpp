@@ -9,15 +9,14 @@ namespace {
 // The four last projects in the editor's File menu, as a user opens them.
 class RecentProjectsMenuTest : public SourceEditorFixture {
   protected:
-    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
     // A project of one module, opened through File, Open Project.
     void OpenThroughTheMenu(const QString& Name) {
-        if (!QFile::exists(File(Name + QStringLiteral(".kvp")))) {
+        if (!QFile::exists(TempFile(Name + QStringLiteral(".kvp")))) {
             WriteFile(Name + QStringLiteral(".kvp"), Name.toUtf8() + "m.bas\r\n");
             WriteFile(Name + QStringLiteral("m.bas"), "x = 1");
             WriteFile(Name + QStringLiteral(".prf"), QByteArray(8610, '\0'));
         }
-        Dialogs->Answers.push_back(File(Name + QStringLiteral(".kvp")));
+        Dialogs->Answers.push_back(TempFile(Name + QStringLiteral(".kvp")));
         Editor->mnuOpenProject->trigger();
         Settle();
     }
@@ -53,10 +52,10 @@ TEST_F(RecentProjectsMenuTest, OpeningAFifthProjectPushesTheOldestOut) {
               (QStringList{QStringLiteral("&1 ..\\echo"), QStringLiteral("&2 ..\\delta"),
                            QStringLiteral("&3 ..\\charlie"), QStringLiteral("&4 ..\\bravo")}));
     EXPECT_TRUE(Editor->mnuLine4->isVisible());
-    EXPECT_EQ(
-        Stored(),
-        (QStringList{File(QStringLiteral("echo.kvp")), File(QStringLiteral("delta.kvp")),
-                     File(QStringLiteral("charlie.kvp")), File(QStringLiteral("bravo.kvp"))}));
+    EXPECT_EQ(Stored(),
+              (QStringList{
+                  TempFile(QStringLiteral("echo.kvp")), TempFile(QStringLiteral("delta.kvp")),
+                  TempFile(QStringLiteral("charlie.kvp")), TempFile(QStringLiteral("bravo.kvp"))}));
 }
 
 TEST_F(RecentProjectsMenuTest,
@@ -71,7 +70,7 @@ TEST_F(RecentProjectsMenuTest,
     EXPECT_EQ(Entries(),
               (QStringList{QStringLiteral("&1 ..\\bravo"), QStringLiteral("&2 ..\\delta"),
                            QStringLiteral("&3 ..\\charlie"), QStringLiteral("&4 ..\\alpha")}));
-    EXPECT_EQ(Stored().first(), File(QStringLiteral("bravo.kvp")));
+    EXPECT_EQ(Stored().first(), TempFile(QStringLiteral("bravo.kvp")));
     EXPECT_TRUE(Boxes->Boxes.isEmpty());
 }
 
@@ -86,18 +85,18 @@ TEST_F(RecentProjectsMenuTest, ReopeningTheNewestKeepsTheListAsItIs) {
 }
 
 TEST_F(RecentProjectsMenuTest, AGapInTheStoredListGivesOneEntryStoredAtPlaceOneOnExit) {
-    SetSetting(QStringLiteral("Last_Project_3"), File(QStringLiteral("only.kvp")));
+    SetSetting(QStringLiteral("Last_Project_3"), TempFile(QStringLiteral("only.kvp")));
     Editor->InitializeRecentProjectList();
     EXPECT_EQ(Entries(), QStringList{QStringLiteral("&1 ..\\only")});
     Editor->mnuExit->trigger();
     Settle();
     EXPECT_EQ(Stored(),
-              (QStringList{File(QStringLiteral("only.kvp")), QString(), QString(), QString()}));
+              (QStringList{TempFile(QStringLiteral("only.kvp")), QString(), QString(), QString()}));
 }
 
 TEST_F(RecentProjectsMenuTest, ANewProjectMadeThroughOpenProjectComesFirst) {
     OpenThroughTheMenu(QStringLiteral("alpha"));
-    Dialogs->Answers.push_back(File(QStringLiteral("fresh.kvp")));
+    Dialogs->Answers.push_back(TempFile(QStringLiteral("fresh.kvp")));
     Editor->mnuOpenProject->trigger();
     Settle();
     EXPECT_EQ(Entries(),

@@ -33,13 +33,8 @@ class EnvironmentOptionsWindowTest : public SourceEditorFixture {
         FontDialogService::Install(std::make_unique<CancellingFontDialogService>());
         SourceEditorFixture::TearDown();
     }
-    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
-    QByteArray Bytes(const QString& Name) const {
-        QFile F(File(Name));
-        return F.open(QIODevice::ReadOnly) ? F.readAll() : QByteArray("<none>");
-    }
     int32_t PrfRecord(int32_t Number) const {
-        return PrfRecordType::Decode(Bytes(QStringLiteral("blink.prf")),
+        return PrfRecordType::Decode(TempFileBytes(QStringLiteral("blink.prf")),
                                      PrfRecordType::OffsetOf(Number))
             .Value;
     }
@@ -47,10 +42,10 @@ class EnvironmentOptionsWindowTest : public SourceEditorFixture {
         WriteFile(QStringLiteral("blink.kvp"), "main.bas\r\nled.bas\r\n");
         WriteFile(QStringLiteral("main.bas"), "x = \"on\" ' lit\r\n");
         WriteFile(QStringLiteral("led.bas"), "' off\r\ny = 1");
-        Dialogs->Answers.push_back(File(QStringLiteral("fresh.kvp")));
+        Dialogs->Answers.push_back(TempFile(QStringLiteral("fresh.kvp")));
         Editor->mnuOpenProject->trigger();  // a new project writes a preference file
-        QFile::rename(File(QStringLiteral("fresh.prf")), File(QStringLiteral("blink.prf")));
-        Dialogs->Answers.push_back(File(QStringLiteral("blink.kvp")));
+        QFile::rename(TempFile(QStringLiteral("fresh.prf")), TempFile(QStringLiteral("blink.prf")));
+        Dialogs->Answers.push_back(TempFile(QStringLiteral("blink.kvp")));
         Editor->mnuOpenProject->trigger();
         Settle();
         ASSERT_EQ(Project().ModuleCount(), 2);
@@ -74,13 +69,6 @@ class EnvironmentOptionsWindowTest : public SourceEditorFixture {
         });
         Editor->mnuEnvironmentOptions->trigger();
         Settle();
-    }
-    QStringList Messages() const {
-        QStringList List;
-        for (const auto& Box : Boxes->Boxes) {
-            List << Box.Title + QLatin1Char('|') + Box.Text;
-        }
-        return List;
     }
     static uint32_t Color(int Index) {
         return static_cast<uint32_t>(SyntaxHighlighterType::ColorFromIndex(Index));
@@ -149,7 +137,7 @@ TEST_F(EnvironmentOptionsWindowTest, WhatTheUserSetsIsStoredOnOk) {
         Click(Dialog.cmdOK);
     });
     EXPECT_FALSE(StillOpen);
-    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << Messages().join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << BoxMessages().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(Setting(QStringLiteral("Save_File")), QStringLiteral("False"));
     EXPECT_EQ(Setting(QStringLiteral("Strict_Syntax_Rules")), QStringLiteral("False"));
     EXPECT_EQ(Setting(QStringLiteral("Optimize_Enable")), QStringLiteral("True"));
@@ -190,7 +178,7 @@ TEST_F(EnvironmentOptionsWindowTest,
         Click(Dialog.cmdOK);
         EXPECT_TRUE(Dialog.isVisible());
         EXPECT_EQ(QApplication::focusWidget(), Dialog.txtMaxVstr);
-        EXPECT_EQ(Messages(),
+        EXPECT_EQ(BoxMessages(),
                   QStringList{QStringLiteral("String Length Overflow|Variable length string size "
                                              "65 is out of range\nRange is 1 to 64 characters")});
     });
@@ -273,7 +261,7 @@ TEST_F(EnvironmentOptionsWindowTest, ThisProjectsOptionsGoIntoItsPreferenceFile)
 
 TEST_F(EnvironmentOptionsWindowTest, ProjectLengthOutOfRangePutsTheFocusOnItAndWritesNoFile) {
     OpenBlink();
-    const QByteArray Before = Bytes(QStringLiteral("blink.prf"));
+    const QByteArray Before = TempFileBytes(QStringLiteral("blink.prf"));
     WithOptions([](frmEnvironmentOptions& Dialog) {
         TypeOver(Dialog.txtMaxVstrCUR, QStringLiteral("x"));
         Click(Dialog.cmdOK);
@@ -281,10 +269,10 @@ TEST_F(EnvironmentOptionsWindowTest, ProjectLengthOutOfRangePutsTheFocusOnItAndW
         EXPECT_EQ(QApplication::focusWidget(), Dialog.txtMaxVstrCUR);
     });
     EXPECT_TRUE(StillOpen);
-    EXPECT_EQ(Messages(),
+    EXPECT_EQ(BoxMessages(),
               QStringList{QStringLiteral("String Length Overflow|Variable length string size x "
                                          "is out of range\nRange is 1 to 64 characters")});
-    EXPECT_EQ(Bytes(QStringLiteral("blink.prf")), Before);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.prf")), Before);
 }
 
 }  // namespace

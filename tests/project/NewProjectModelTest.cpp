@@ -20,11 +20,6 @@ class NewProjectModelTest : public ModelProjectFixture {
         ModelProjectFixture::SetUp();
         RecentProjects::LoadList();
     }
-    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
-    QByteArray Bytes(const QString& Name) const {
-        QFile F(File(Name));
-        return F.open(QIODevice::ReadOnly) ? F.readAll() : QByteArray("<none>");
-    }
     NewProjectRequest Request(const QString& ProjectName, bool IncludeModule = true,
                               const QString& ModuleName = QStringLiteral("Module1")) const {
         NewProjectRequest Made;
@@ -43,49 +38,43 @@ class NewProjectModelTest : public ModelProjectFixture {
             Project().OpenProject(Path, Name, Extension, IsNewProject);
         });
     }
-    QStringList Messages() const {
-        QStringList List;
-        for (const auto& Box : Boxes->Boxes) {
-            List << Box.Title + QLatin1Char('|') + Box.Text;
-        }
-        return List;
-    }
     int Opened = 0;
 };
 
 TEST_F(NewProjectModelTest, NewProjectHasItsFirstModuleProjectFileAndPreferenceFile) {
     EXPECT_EQ(Create(Request(QStringLiteral("blink"), true, QStringLiteral("Main"))),
               NewProjectOutcome::Created);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("Main.bas\r\n"));
-    EXPECT_EQ(Bytes(QStringLiteral("Main.bas")), FirstModuleText);
-    EXPECT_EQ(QFileInfo(File(QStringLiteral("blink.prf"))).size(), 8610);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("Main.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Main.bas")), FirstModuleText);
+    EXPECT_EQ(QFileInfo(TempFile(QStringLiteral("blink.prf"))).size(), 8610);
     ASSERT_EQ(Project().ModuleCount(), 1);
     EXPECT_TRUE(Project().IsDefined());
     EXPECT_EQ(Project().ModuleList().GetModule(1)->SourceCode(),
               QString::fromLatin1(FirstModuleText));
     EXPECT_EQ(Editor.Tabs, QStringList{QStringLiteral("Main")});
-    EXPECT_EQ(RecentProjects::GetProject(1), File(QStringLiteral("blink.kvp")));
-    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << Messages().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(RecentProjects::GetProject(1), TempFile(QStringLiteral("blink.kvp")));
+    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << BoxMessages().join(QLatin1Char('\n')).toStdString();
 }
 
 TEST_F(NewProjectModelTest, IllegalProjectNameIsRefusedAndNothingIsMade) {
     EXPECT_EQ(Create(Request(QStringLiteral("1abc"))), NewProjectOutcome::FixProjectName);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral(
-                              "Illegal Project Name|Illegal project name: 1abc\nMust be legal "
-                              "Basic identifier")});
+    EXPECT_EQ(BoxMessages(), QStringList{QStringLiteral(
+                                 "Illegal Project Name|Illegal project name: 1abc\nMust be legal "
+                                 "Basic identifier")});
     EXPECT_EQ(Opened, 0);
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("1abc.kvp"))));
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Module1.bas"))));
+    EXPECT_FALSE(QFile::exists(TempFile(QStringLiteral("1abc.kvp"))));
+    EXPECT_FALSE(QFile::exists(TempFile(QStringLiteral("Module1.bas"))));
 }
 
 TEST_F(NewProjectModelTest, IllegalModuleNameIsRefusedAfterTheProjectNamePasses) {
     EXPECT_EQ(Create(Request(QStringLiteral("blink"), true, QStringLiteral("my-module"))),
               NewProjectOutcome::FixModuleName);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral(
-                              "Illegal Module Name|Illegal module name: my-module\nMust be legal "
-                              "Basic identifier")});
+    EXPECT_EQ(BoxMessages(),
+              QStringList{QStringLiteral(
+                  "Illegal Module Name|Illegal module name: my-module\nMust be legal "
+                  "Basic identifier")});
     EXPECT_EQ(Opened, 0);
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("blink.kvp"))));
+    EXPECT_FALSE(QFile::exists(TempFile(QStringLiteral("blink.kvp"))));
 }
 
 TEST_F(NewProjectModelTest, WithoutAModuleItsNameIsNotChecked) {
@@ -100,18 +89,18 @@ TEST_F(NewProjectModelTest, ExistingProjectFileAsksAndNoLeavesItAsItWas) {
     ASSERT_EQ(Boxes->Boxes.size(), 1);
     EXPECT_EQ(Boxes->Boxes[0].Title, QStringLiteral("Replace File"));
     EXPECT_EQ(Boxes->Boxes[0].Text,
-              File(QStringLiteral("blink.kvp")) +
+              TempFile(QStringLiteral("blink.kvp")) +
                   QStringLiteral(" already exists.\nDo you want to replace it?"));
     EXPECT_EQ(Opened, 0);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("old.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("old.bas\r\n"));
 }
 
 TEST_F(NewProjectModelTest, ExistingProjectFileAnsweredYesIsReplacedByTheNewProject) {
     WriteFile(QStringLiteral("blink.kvp"), "old.bas\r\n");
     Boxes->QueueAnswer(6);
     EXPECT_EQ(Create(Request(QStringLiteral("blink"))), NewProjectOutcome::Created);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("Module1.bas\r\n"));
-    EXPECT_EQ(Bytes(QStringLiteral("Module1.bas")), FirstModuleText);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("Module1.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Module1.bas")), FirstModuleText);
 }
 
 TEST_F(NewProjectModelTest,
@@ -119,18 +108,19 @@ TEST_F(NewProjectModelTest,
     EXPECT_EQ(Create(Request(QStringLiteral("blink"), false)), NewProjectOutcome::Created);
     EXPECT_TRUE(Project().IsDefined());
     EXPECT_EQ(Project().ModuleCount(), 0);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("\r\n"));
     Global<ProjectType>::Unload();
     Project().OpenProject(TempPath(), QStringLiteral("blink"), QStringLiteral("kvp"), false);
     EXPECT_TRUE(Project().IsDefined());
     EXPECT_EQ(Project().ModuleCount(), 0);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral("Module Open Error|Unable to open module: ")});
+    EXPECT_EQ(BoxMessages(),
+              QStringList{QStringLiteral("Module Open Error|Unable to open module: ")});
 }
 
 TEST_F(NewProjectModelTest, ExistingModuleFileIsTakenWithItsTextAndNotOverwritten) {
     WriteFile(QStringLiteral("Module1.bas"), "x = 1");
     EXPECT_EQ(Create(Request(QStringLiteral("blink"))), NewProjectOutcome::Created);
-    EXPECT_EQ(Bytes(QStringLiteral("Module1.bas")), QByteArray("x = 1"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Module1.bas")), QByteArray("x = 1"));
     ASSERT_EQ(Project().ModuleCount(), 1);
     EXPECT_EQ(Project().ModuleList().GetModule(1)->SourceCode(), QStringLiteral("x = 1"));
 }
@@ -140,7 +130,7 @@ TEST_F(NewProjectModelTest, ModuleThatFailsToLoadKeepsTheWindowWithTheProjectOpe
     WriteFile(QStringLiteral("Module1.bas/.keep"));
     EXPECT_EQ(Create(Request(QStringLiteral("blink"))), NewProjectOutcome::Stay);
     ASSERT_FALSE(Boxes->Boxes.isEmpty());
-    EXPECT_EQ(Messages().back(),
+    EXPECT_EQ(BoxMessages().back(),
               QStringLiteral("New Project Error|Unable to open module: Module1"));
     EXPECT_TRUE(Project().IsDefined());
     EXPECT_EQ(Project().ModuleCount(), 0);

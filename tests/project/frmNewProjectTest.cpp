@@ -18,11 +18,6 @@ const QByteArray FirstModuleText = "Option Explicit\r\n\r\nPublic Sub Main()\r\n
 
 class NewProjectWindowTest : public SourceEditorFixture {
   protected:
-    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
-    QByteArray Bytes(const QString& Name) const {
-        QFile F(File(Name));
-        return F.open(QIODevice::ReadOnly) ? F.readAll() : QByteArray("<none>");
-    }
     // File, New Project: the dialog, if it came.
     frmNewProject* ChooseNewProject() {
         Editor->mnuNewProject->trigger();
@@ -31,20 +26,6 @@ class NewProjectWindowTest : public SourceEditorFixture {
     }
     static frmNewProject* Dialog() {
         return Global<frmNewProject>::IsLoaded() ? &Global<frmNewProject>::Get() : nullptr;
-    }
-    QStringList Tabs() const {
-        QStringList List;
-        for (int Index = 0; Index < Editor->tabEditTabStrip->count(); ++Index) {
-            List << Editor->tabEditTabStrip->tabText(Index);
-        }
-        return List;
-    }
-    QStringList Messages() const {
-        QStringList List;
-        for (const auto& Box : Boxes->Boxes) {
-            List << Box.Title + QLatin1Char('|') + Box.Text;
-        }
-        return List;
     }
 };
 
@@ -84,14 +65,14 @@ TEST_F(NewProjectWindowTest, OkMakesTheProjectWithItsFirstModuleAndTheDialogGoes
     Click(New->cmdOK);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(Global<frmNewProject>::IsLoaded());
-    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << Messages().join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << BoxMessages().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(Editor->windowTitle(), QStringLiteral("Kavlin Editor - blink"));
-    EXPECT_EQ(Tabs(), QStringList{QStringLiteral("Main")});
+    EXPECT_EQ(TabTexts(), QStringList{QStringLiteral("Main")});
     ASSERT_NE(Module(1), nullptr);
     EXPECT_EQ(Module(1)->Text(), QString::fromLatin1(FirstModuleText));
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("Main.bas\r\n"));
-    EXPECT_EQ(Bytes(QStringLiteral("Main.bas")), FirstModuleText);
-    EXPECT_EQ(QFileInfo(File(QStringLiteral("blink.prf"))).size(), 8610);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("Main.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Main.bas")), FirstModuleText);
+    EXPECT_EQ(QFileInfo(TempFile(QStringLiteral("blink.prf"))).size(), 8610);
     EXPECT_TRUE(Editor->mnuSaveProject->isEnabled());
     EXPECT_EQ(Editor->mnuOpenRecentProject[0]->text(), QStringLiteral("&1 ..\\blink"));
 }
@@ -103,7 +84,7 @@ TEST_F(NewProjectWindowTest, IllegalProjectNameKeepsTheDialogWithTheFocusOnTheNa
     QTest::mouseClick(New->txtModuleName, Qt::LeftButton);  // the focus elsewhere
     ASSERT_EQ(New->focusWidget(), New->txtModuleName);
     Click(New->cmdOK);
-    EXPECT_EQ(Messages(),
+    EXPECT_EQ(BoxMessages(),
               QStringList{QStringLiteral("Illegal Project Name|Illegal project name: "
                                          "my project\nMust be legal Basic identifier")});
     EXPECT_TRUE(New->isVisible());
@@ -117,8 +98,8 @@ TEST_F(NewProjectWindowTest, IllegalModuleNameKeepsTheDialogWithTheFocusOnTheMod
     ASSERT_NE(New, nullptr);
     TypeOver(New->txtModuleName, QStringLiteral("2nd"));
     Click(New->cmdOK);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral("Illegal Module Name|Illegal module name: "
-                                                     "2nd\nMust be legal Basic identifier")});
+    EXPECT_EQ(BoxMessages(), QStringList{QStringLiteral("Illegal Module Name|Illegal module name: "
+                                                        "2nd\nMust be legal Basic identifier")});
     EXPECT_TRUE(New->isVisible());
     EXPECT_EQ(New->focusWidget(), New->txtModuleName);
     EXPECT_FALSE(Project().IsDefined());
@@ -130,16 +111,17 @@ TEST_F(NewProjectWindowTest, ANewProjectOverAnExistingFileAsksThenReplacesIt) {
     ASSERT_NE(New, nullptr);
     Boxes->QueueAnswer(7);
     Click(New->cmdOK);
-    EXPECT_EQ(Messages(),
-              QStringList{QStringLiteral("Replace File|") + File(QStringLiteral("Project1.kvp")) +
-                          QStringLiteral(" already exists.\nDo you want to replace it?")});
+    EXPECT_EQ(
+        BoxMessages(),
+        QStringList{QStringLiteral("Replace File|") + TempFile(QStringLiteral("Project1.kvp")) +
+                    QStringLiteral(" already exists.\nDo you want to replace it?")});
     EXPECT_TRUE(New->isVisible());
-    EXPECT_EQ(Bytes(QStringLiteral("Project1.kvp")), QByteArray("old.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Project1.kvp")), QByteArray("old.bas\r\n"));
     Boxes->QueueAnswer(6);
     Click(New->cmdOK);
     EXPECT_EQ(Boxes->Boxes.size(), 2);
-    EXPECT_EQ(Bytes(QStringLiteral("Project1.kvp")), QByteArray("Module1.bas\r\n"));
-    EXPECT_EQ(Bytes(QStringLiteral("Module1.bas")), FirstModuleText);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Project1.kvp")), QByteArray("Module1.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Module1.bas")), FirstModuleText);
     EXPECT_EQ(Editor->windowTitle(), QStringLiteral("Kavlin Editor - Project1"));
 }
 
@@ -152,8 +134,8 @@ TEST_F(NewProjectWindowTest, ANewProjectWithNoModuleIsOpenAndEmpty) {
     EXPECT_TRUE(Project().IsDefined());
     EXPECT_EQ(Project().ModuleCount(), 0);
     EXPECT_EQ(Editor->tabEditTabStrip->count(), 0);
-    EXPECT_EQ(Bytes(QStringLiteral("Project1.kvp")), QByteArray("\r\n"));
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Module1.bas"))));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Project1.kvp")), QByteArray("\r\n"));
+    EXPECT_FALSE(QFile::exists(TempFile(QStringLiteral("Module1.bas"))));
 }
 
 TEST_F(NewProjectWindowTest, AModuleFileThatIsThereAlreadyIsAddedWithItsText) {
@@ -163,7 +145,7 @@ TEST_F(NewProjectWindowTest, AModuleFileThatIsThereAlreadyIsAddedWithItsText) {
     Click(New->cmdOK);
     ASSERT_NE(Module(1), nullptr);
     EXPECT_EQ(Module(1)->Text(), QStringLiteral("x = 1\r\n"));
-    EXPECT_EQ(Bytes(QStringLiteral("Module1.bas")), QByteArray("x = 1\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("Module1.bas")), QByteArray("x = 1\r\n"));
 }
 
 TEST_F(NewProjectWindowTest, CancelMakesNothing) {
@@ -176,7 +158,7 @@ TEST_F(NewProjectWindowTest, CancelMakesNothing) {
 }
 
 TEST_F(NewProjectWindowTest, ChangeDirectorySetsTheWorkPathAndShowsIt) {
-    const QString Projects = File(QStringLiteral("projects"));
+    const QString Projects = TempFile(QStringLiteral("projects"));
     QDir().mkpath(Projects);
     frmNewProject* New = ChooseNewProject();
     ASSERT_NE(New, nullptr);
@@ -206,7 +188,7 @@ TEST_F(NewProjectWindowTest, CancellingTheSaveQuestionShowsNoDialog) {
     WriteFile(QStringLiteral("blink.kvp"), "main.bas\r\n");
     WriteFile(QStringLiteral("main.bas"), "a");
     WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
-    Dialogs->Answers.push_back(File(QStringLiteral("blink.kvp")));
+    Dialogs->Answers.push_back(TempFile(QStringLiteral("blink.kvp")));
     Editor->mnuOpenProject->trigger();
     Settle();
     ASSERT_NE(Module(1), nullptr);
@@ -214,7 +196,7 @@ TEST_F(NewProjectWindowTest, CancellingTheSaveQuestionShowsNoDialog) {
     Settle();
     Boxes->QueueAnswer(2);
     EXPECT_EQ(ChooseNewProject(), nullptr);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral("Save Module|Save changes to main?")});
+    EXPECT_EQ(BoxMessages(), QStringList{QStringLiteral("Save Module|Save changes to main?")});
 }
 
 }  // namespace

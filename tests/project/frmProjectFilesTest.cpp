@@ -19,15 +19,10 @@ class ProjectFilesWindowTest : public SourceEditorFixture {
         WriteFile(QStringLiteral("led.bas"), "x = 2");
         WriteFile(QStringLiteral("wait.bas"), "w = 3");
         WriteFile(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
-        Dialogs->Answers.push_back(File(QStringLiteral("blink.kvp")));
+        Dialogs->Answers.push_back(TempFile(QStringLiteral("blink.kvp")));
         Editor->mnuOpenProject->trigger();
         Settle();
         ASSERT_EQ(Project().ModuleCount(), 3);
-    }
-    QString File(const QString& Name) const { return TempPath() + QLatin1Char('/') + Name; }
-    QByteArray Bytes(const QString& Name) const {
-        QFile F(File(Name));
-        return F.open(QIODevice::ReadOnly) ? F.readAll() : QByteArray("<none>");
     }
     // Project, Files: the dialog, if it came.
     frmProjectFiles* ChooseProjectFiles() {
@@ -39,20 +34,6 @@ class ProjectFilesWindowTest : public SourceEditorFixture {
         QStringList List;
         for (int Row = 0; Row < Dialog.lstProjectFiles->count(); ++Row) {
             List << Dialog.lstProjectFiles->item(Row)->text();
-        }
-        return List;
-    }
-    QStringList Tabs() const {
-        QStringList List;
-        for (int Index = 0; Index < Editor->tabEditTabStrip->count(); ++Index) {
-            List << Editor->tabEditTabStrip->tabText(Index);
-        }
-        return List;
-    }
-    QStringList Messages() const {
-        QStringList List;
-        for (const auto& Box : Boxes->Boxes) {
-            List << Box.Title + QLatin1Char('|') + Box.Text;
         }
         return List;
     }
@@ -81,19 +62,20 @@ TEST_F(ProjectFilesWindowTest, TheToolBarsProjectFilesButtonShowsTheDialog) {
 TEST_F(ProjectFilesWindowTest, AddingANewFileCreatesItListsItAndWritesTheProjectFile) {
     frmProjectFiles* Files = ChooseProjectFiles();
     ASSERT_NE(Files, nullptr);
-    QDir().mkpath(File(QStringLiteral("lib")));
-    Dialogs->Answers.push_back(File(QStringLiteral("lib/motor.bas")));
+    QDir().mkpath(TempFile(QStringLiteral("lib")));
+    Dialogs->Answers.push_back(TempFile(QStringLiteral("lib/motor.bas")));
     Click(Files->cmdAddPrjFile);
     ASSERT_EQ(Dialogs->Requests.size(), 2);
     EXPECT_EQ(Dialogs->Requests[1].InitDir, TempPath());
     EXPECT_EQ(Dialogs->Requests[1].Filter, QStringLiteral("Kavlin Studio Files (*.bas)|*.bas"));
-    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << Messages().join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(Bytes(QStringLiteral("lib/motor.bas")), QByteArray("Option Explicit\r\n\r\n"));
-    EXPECT_EQ(Lines(*Files).back(), File(QStringLiteral("lib/motor.bas")));
-    EXPECT_EQ(Tabs().back(), QStringLiteral("motor"));
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")),
+    EXPECT_TRUE(Boxes->Boxes.isEmpty()) << BoxMessages().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(TempFileBytes(QStringLiteral("lib/motor.bas")),
+              QByteArray("Option Explicit\r\n\r\n"));
+    EXPECT_EQ(Lines(*Files).back(), TempFile(QStringLiteral("lib/motor.bas")));
+    EXPECT_EQ(TabTexts().back(), QStringLiteral("motor"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")),
               "main.bas\r\nled.bas\r\nwait.bas\r\n" +
-                  File(QStringLiteral("lib/motor.bas")).toUtf8() + "\r\n");
+                  TempFile(QStringLiteral("lib/motor.bas")).toUtf8() + "\r\n");
 }
 
 TEST_F(ProjectFilesWindowTest, CancellingTheFileDialogAddsNothing) {
@@ -108,15 +90,15 @@ TEST_F(ProjectFilesWindowTest, AddingAModuleWithTheNameOfOneInTheProjectSaysBoth
     WriteFile(QStringLiteral("lib/Led.bas"), "y = 1");
     frmProjectFiles* Files = ChooseProjectFiles();
     ASSERT_NE(Files, nullptr);
-    Dialogs->Answers.push_back(File(QStringLiteral("lib/Led.bas")));
+    Dialogs->Answers.push_back(TempFile(QStringLiteral("lib/Led.bas")));
     Click(Files->cmdAddPrjFile);
-    EXPECT_EQ(Messages(),
+    EXPECT_EQ(BoxMessages(),
               (QStringList{QStringLiteral("Duplicate Module|Error -- duplicate module Led"),
                            QStringLiteral("Error Adding Module|Unable to add module ") +
-                               File(QStringLiteral("lib/Led.bas"))}));
+                               TempFile(QStringLiteral("lib/Led.bas"))}));
     EXPECT_EQ(Lines(*Files).size(), 3);
-    EXPECT_EQ(Tabs().size(), 3);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")),
+    EXPECT_EQ(TabTexts().size(), 3);
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")),
               QByteArray("main.bas\r\nled.bas\r\nwait.bas\r\n"));
 }
 
@@ -127,12 +109,12 @@ TEST_F(ProjectFilesWindowTest, RemovingTheFirstModuleRenumbersTheOthersAndItsTab
     Click(Files->cmdRemovePrjFile);
     EXPECT_TRUE(Boxes->Boxes.isEmpty());
     EXPECT_EQ(Lines(*Files), (QStringList{QStringLiteral("led.bas"), QStringLiteral("wait.bas")}));
-    EXPECT_EQ(Tabs(), (QStringList{QStringLiteral("led"), QStringLiteral("wait")}));
+    EXPECT_EQ(TabTexts(), (QStringList{QStringLiteral("led"), QStringLiteral("wait")}));
     EXPECT_EQ(Editor->mdiArea->subWindowList().size(), 2);
     ASSERT_NE(Module(1), nullptr);
     EXPECT_EQ(Module(1)->Text(), QStringLiteral("x = 2"));
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("led.bas\r\nwait.bas\r\n"));
-    EXPECT_TRUE(QFile::exists(File(QStringLiteral("main.bas")))) << "its file stays";
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("led.bas\r\nwait.bas\r\n"));
+    EXPECT_TRUE(QFile::exists(TempFile(QStringLiteral("main.bas")))) << "its file stays";
 }
 
 TEST_F(ProjectFilesWindowTest, RemovingAChangedModuleAsksAndCancelKeepsIt) {
@@ -143,22 +125,22 @@ TEST_F(ProjectFilesWindowTest, RemovingAChangedModuleAsksAndCancelKeepsIt) {
     Click(Files->lstProjectFiles, 1);
     Boxes->QueueAnswer(2);
     Click(Files->cmdRemovePrjFile);
-    EXPECT_EQ(Messages(), QStringList{QStringLiteral("Remove Module|Save changes to led?")});
+    EXPECT_EQ(BoxMessages(), QStringList{QStringLiteral("Remove Module|Save changes to led?")});
     EXPECT_EQ(Lines(*Files).size(), 3);
     EXPECT_EQ(Project().ModuleCount(), 3);
     Boxes->QueueAnswer(6);
     Click(Files->cmdRemovePrjFile);
-    EXPECT_EQ(Bytes(QStringLiteral("led.bas")), QByteArray("zx = 2"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("led.bas")), QByteArray("zx = 2"));
     EXPECT_EQ(Lines(*Files), (QStringList{QStringLiteral("main.bas"), QStringLiteral("wait.bas")}));
 }
 
 TEST_F(ProjectFilesWindowTest, RemoveWithNothingSelectedRemovesNothingAndRewritesTheFile) {
     frmProjectFiles* Files = ChooseProjectFiles();
     ASSERT_NE(Files, nullptr);
-    QFile::remove(File(QStringLiteral("blink.kvp")));
+    QFile::remove(TempFile(QStringLiteral("blink.kvp")));
     Click(Files->cmdRemovePrjFile);
     EXPECT_EQ(Lines(*Files).size(), 3);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")),
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")),
               QByteArray("main.bas\r\nled.bas\r\nwait.bas\r\n"));
     EXPECT_TRUE(Boxes->Boxes.isEmpty());
 }
@@ -171,13 +153,13 @@ TEST_F(ProjectFilesWindowTest, OkWritesTheProjectFileAndCancelUndoesNothing) {
     Click(Files->cmdPrjFilesCancel);
     EXPECT_FALSE(Global<frmProjectFiles>::IsLoaded());
     EXPECT_EQ(Project().ModuleCount(), 2);
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("main.bas\r\nled.bas\r\n"));
-    QFile::remove(File(QStringLiteral("blink.kvp")));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("main.bas\r\nled.bas\r\n"));
+    QFile::remove(TempFile(QStringLiteral("blink.kvp")));
     Files = ChooseProjectFiles();
     ASSERT_NE(Files, nullptr);
     Click(Files->cmdPrjFilesOk);
     EXPECT_FALSE(Global<frmProjectFiles>::IsLoaded());
-    EXPECT_EQ(Bytes(QStringLiteral("blink.kvp")), QByteArray("main.bas\r\nled.bas\r\n"));
+    EXPECT_EQ(TempFileBytes(QStringLiteral("blink.kvp")), QByteArray("main.bas\r\nled.bas\r\n"));
 }
 
 }  // namespace
