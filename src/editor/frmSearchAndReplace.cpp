@@ -1,6 +1,5 @@
 #include "editor/frmSearchAndReplace.h"
 
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -159,16 +158,3 @@ void frmSearchAndReplace::cmdReplaceOnce_Click() { Model_.cmdReplaceOnce_Click()
 void frmSearchAndReplace::cmdReplaceAll_Click() { Model_.cmdReplaceAll_Click(); }
 
 void frmSearchAndReplace::cmdCancel_Click() { Unload(); }
-
-void frmSearchAndReplace::reject() { Unload(); }
-
-void frmSearchAndReplace::closeEvent(QCloseEvent* Event) {
-    Event->accept();
-    Unload();
-}
-
-void frmSearchAndReplace::Unload() {
-    hide();
-    // Unloaded at once: the next Find loads a fresh dialog from the selection.
-    Global<frmSearchAndReplace>::UnloadLater(this);
-}

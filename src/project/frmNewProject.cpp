@@ -1,6 +1,5 @@
 #include "project/frmNewProject.h"
 
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 
@@ -117,15 +116,3 @@ void frmNewProject::cmdOK_Click() {
 }
 
 void frmNewProject::cmdCancel_Click() { Unload(); }
-
-void frmNewProject::reject() { Unload(); }
-
-void frmNewProject::closeEvent(QCloseEvent* Event) {
-    Event->accept();
-    Unload();
-}
-
-void frmNewProject::Unload() {
-    hide();
-    Global<frmNewProject>::UnloadLater(this);
-}

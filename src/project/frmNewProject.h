@@ -1,17 +1,17 @@
 #pragma once
 
 #include <QCheckBox>
-#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "frame/UnloadingDialog.h"
 #include "project/NewProjectModel.h"
 
 // Makes a new project in a directory, with its first module unless the user
 // leaves it out. Shown not modally by the editor, which owns it; it unloads
 // when it closes.
-class frmNewProject : public QDialog {
+class frmNewProject : public UnloadingDialog<frmNewProject> {
     Q_OBJECT
   public:
     frmNewProject();
@@ -35,12 +35,6 @@ class frmNewProject : public QDialog {
     void cmdOK_Click();
     void cmdCancel_Click();
 
-  protected:
-    void closeEvent(QCloseEvent* Event) override;
-    // Escape is Cancel.
-    void reject() override;
-
   private:
     void Form_Load();
-    void Unload();
 };

@@ -1,7 +1,6 @@
 #include "project/frmProjectFiles.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -108,15 +107,3 @@ void frmProjectFiles::cmdPrjFilesOk_Click() {
 
 // The changes are in the project and its file already: nothing to undo.
 void frmProjectFiles::cmdPrjFilesCancel_Click() { Unload(); }
-
-void frmProjectFiles::reject() { Unload(); }
-
-void frmProjectFiles::closeEvent(QCloseEvent* Event) {
-    Event->accept();
-    Unload();
-}
-
-void frmProjectFiles::Unload() {
-    hide();
-    Global<frmProjectFiles>::UnloadLater(this);
-}

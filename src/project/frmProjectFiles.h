@@ -1,14 +1,15 @@
 #pragma once
 
-#include <QDialog>
 #include <QGroupBox>
 #include <QListWidget>
 #include <QPushButton>
 
+#include "frame/UnloadingDialog.h"
+
 // The open project's module files: adds a module (made if it is new) and
 // removes one. Each change is in the project and its file at once, so
 // Cancel undoes nothing. Shown not modally by the editor, which owns it.
-class frmProjectFiles : public QDialog {
+class frmProjectFiles : public UnloadingDialog<frmProjectFiles> {
     Q_OBJECT
   public:
     frmProjectFiles();
@@ -30,11 +31,6 @@ class frmProjectFiles : public QDialog {
     void cmdPrjFilesOk_Click();
     void cmdPrjFilesCancel_Click();
 
-  protected:
-    void closeEvent(QCloseEvent* Event) override;
-    void reject() override;
-
   private:
     void Form_Load();
-    void Unload();
 };
