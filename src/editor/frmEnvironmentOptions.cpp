@@ -8,7 +8,6 @@
 #include <QVBoxLayout>
 
 #include "editor/SyntaxHighlighterType.h"
-#include "frame/ErrorDisplay.h"
 #include "platform/FontDialogService.h"
 #include "platform/Global.h"
 
@@ -37,6 +36,7 @@ void AddPicker(QFormLayout* Form, const char* Caption, QComboBox* Picker) {
     Picker->setMinimumWidth(90);
     Form->addRow(QString::fromLatin1(Caption), Picker);
 }
+
 // A control to be made: where it goes and its name.
 template <class Control>
 struct ControlSlot {
