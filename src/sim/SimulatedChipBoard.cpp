@@ -67,7 +67,9 @@ void SimulatedChipBoard::SetPinState(int Pin, MachinePinState State, int64_t) {
     ++Changes_;
 }
 
-bool SimulatedChipBoard::PinLevel(int Pin, int64_t) {
+bool SimulatedChipBoard::PinLevel(int Pin, int64_t) { return Level(Pin); }
+
+bool SimulatedChipBoard::Level(int Pin) const {
     if (Pin < 1 || Pin > PinCount) {
         return false;
     }

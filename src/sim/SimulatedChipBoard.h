@@ -30,6 +30,10 @@ class SimulatedChipBoard : public MachinePins {
     void SetLed(int Led, bool On, int64_t Ns) override;
 
     MachinePinState PinState(int Pin) const;
+    // The level a pin is at: what it drives, or what drives it.
+    bool Level(int Pin) const;
+    // The model whose wiring the last block was read with.
+    int ChipType() const { return ChipType_; }
     // Led 1 is the red one, 2 the green one.
     bool LedOn(int Led) const;
 

@@ -180,6 +180,10 @@ void SimulatedKavlinChip::ResumeProgram(int64_t Ns) {
 
 bool SimulatedKavlinChip::ProgramRunning() const { return Machine_ && !Machine_->Stopped(); }
 
+bool SimulatedKavlinChip::ProgramEnded() const {
+    return Machine_ && Machine_->CurrentState() == BytecodeMachine::State::Ended;
+}
+
 std::string SimulatedKavlinChip::ProgramTrouble() const {
     if (!Machine_) {
         return std::string();

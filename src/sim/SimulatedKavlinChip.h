@@ -80,6 +80,8 @@ class SimulatedKavlinChip {
     void RunProgram(int64_t Ns);
     // Whether a program is running (or waiting, or sleeping) on the chip.
     bool ProgramRunning() const;
+    // Whether the program ran to its end.
+    bool ProgramEnded() const;
     // Why the image was refused, or the run-time error that stopped the
     // program; empty while it runs well.
     std::string ProgramTrouble() const;

@@ -7,6 +7,8 @@
 #include "link/frmDownloadPortParallel.h"
 #include "link/frmDownloadPortSerial.h"
 #include "platform/Global.h"
+#include "sim/SimulatedSerialLine.h"
+#include "sim/frmSimulatedChip.h"
 
 namespace {
 
@@ -21,6 +23,30 @@ DialogGalleryEntry GlobalForm(const QString& Name) {
             [] { Global<Form>::Unload(); }};
 }
 
+// The simulated chip with its red LED lit, pin 5 driven high by the program
+// and pin 10 switched high from outside.
+DialogGalleryEntry SimulatedChipWindow() {
+    static std::shared_ptr<SimulatedSerialLine> Line;
+    return {QStringLiteral("frmSimulatedChip"),
+            [] {
+                Line = std::make_shared<SimulatedSerialLine>();
+                SimulatedChipBoard& Board = Line->Chip().Board;
+                Board.SetPinState(SimulatedChipBoard::RedLedPin, MachinePinState::OutputLow, 0);
+                Board.SetPinState(5, MachinePinState::OutputHigh, 0);
+                Board.SetPinState(6, MachinePinState::InputPullup, 0);
+                Board.Drive(10, true);
+                frmSimulatedChip::Attach(Line);
+                frmSimulatedChip& Window = Global<frmSimulatedChip>::Get();
+                Window.show();
+                return static_cast<QWidget*>(&Window);
+            },
+            [] {
+                Global<frmSimulatedChip>::Unload();
+                frmSimulatedChip::Attach({});
+                Line.reset();
+            }};
+}
+
 }  // namespace
 
 std::vector<DialogGalleryEntry> DialogGallery() {
@@ -28,6 +54,7 @@ std::vector<DialogGalleryEntry> DialogGallery() {
         GlobalForm<frmSearchAndReplace>(QStringLiteral("frmSearchAndReplace")),
         GlobalForm<frmDownloadPortSerial>(QStringLiteral("frmDownloadPortSerial")),
         GlobalForm<frmDownloadPortParallel>(QStringLiteral("frmDownloadPortParallel")),
+        SimulatedChipWindow(),
     };
 }
 
