@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 
 #include "chip/ChipPackageDrawing.h"
 #include "chip/PinBoxGroup.h"
@@ -37,6 +40,23 @@ class ChipDialogFixture : public FrameFixture {
         Window.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&Window));
         return Window;
+    }
+    // Opens the dialog as the editor's chip dialog command does, modally,
+    // and has User act on it while it is up; the dialog's result.
+    int OpenModal(const std::function<void(Dialog&)>& User) {
+        bool Shown = false;
+        QTimer::singleShot(0, [&] {
+            auto* Window = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+            if (Window == nullptr) {
+                return;
+            }
+            Shown = true;
+            User(*Window);
+        });
+        const int Result = Global<Dialog>::Get().exec();
+        Global<Dialog>::Unload();
+        EXPECT_TRUE(Shown);
+        return Result;
     }
     void SavePrf(const PrfImageBuilder& Builder) { ASSERT_TRUE(Builder.Save(PrfFilename)); }
     QByteArray PrfBytes() const {

@@ -56,6 +56,20 @@ TEST_F(ChipDialogKV10Test, DialogHasItsCaptionsAndControls) {
     EXPECT_EQ(Window.findChild<QCheckBox*>(QStringLiteral("Pin40_2")), Window.Pin(40)->Box(2));
 }
 
+TEST_F(ChipDialogKV10Test, OpenedModallyItShowsTheFileAndOkEndsItAccepted) {
+    SavePrf(DefaultFile().Pin(33, kvInputPullup));
+    Row4 Shown{};
+    const int Result = OpenModal([&](frmChipDialogKV10& Window) {
+        Shown = Row(Window.Pin(33));
+        Click(Window.Com2Enable);
+        Press(Window.cmdOK);
+    });
+    EXPECT_EQ(Result, QDialog::Accepted);
+    EXPECT_EQ(Shown, RowP);
+    EXPECT_EQ(Record(606).Value, 1);
+    EXPECT_EQ(Flags(Record(33)), RowP);
+}
+
 TEST_F(ChipDialogKV10Test, NewProjectOpensWithInternalEepromClearPins6To8DisabledAnd32768) {
     SavePrf(DefaultFile());
     frmChipDialogKV10& Window = Open();

@@ -50,6 +50,30 @@ TEST_F(ChipDialogKV20Test, DialogHasItsCaptionsAndControls) {
     EXPECT_FALSE(Window.frmKV20netBaud->isEnabled());
 }
 
+TEST_F(ChipDialogKV20Test, OpenedModallyItShowsTheFileAndOkEndsItAccepted) {
+    SavePrf(DefaultFile().Pin(5, kvOutputHigh));
+    Row4 Shown{};
+    const int Result = OpenModal([&](frmChipDialogKV20& Window) {
+        Shown = Row(Window.Pin(5));
+        Click(Window.Pin(5)->Box(3));
+        Press(Window.cmdOK);
+    });
+    EXPECT_EQ(Result, QDialog::Accepted);
+    EXPECT_EQ(Shown, RowHigh);
+    EXPECT_EQ(Flags(Record(5)), RowLow);
+}
+
+TEST_F(ChipDialogKV20Test, OpenedModallyCancelEndsItRejected) {
+    SavePrf(DefaultFile());
+    const QByteArray Before = PrfBytes();
+    const int Result = OpenModal([&](frmChipDialogKV20& Window) {
+        Click(Window.Pin(5)->Box(3));
+        Press(Window.kv20cancel);
+    });
+    EXPECT_EQ(Result, QDialog::Rejected);
+    EXPECT_EQ(PrfBytes(), Before);
+}
+
 TEST_F(ChipDialogKV20Test, WithNoProjectFileNameEverySettablePinShowsIN) {
     GlobalData::ProjectFilename.clear();
     frmChipDialogKV20& Window = Open();
