@@ -8,8 +8,8 @@
 namespace CheckBoxValue {
 
 int16_t Get(const QCheckBox* Box);
-// 0, 1 and 2 as above. The old check box refused any other value, and the
-// chip dialogs' error trap went on with the box as it stood.
+// 0, 1 and 2 as above. Any other value is refused: the box stays as it
+// stands, and the dialog goes on without a word.
 void Set(QCheckBox* Box, int32_t Value);
 
 }  // namespace CheckBoxValue

@@ -27,7 +27,7 @@ void LoadPins(const PrfRecordFile& File, const std::vector<PinBoxGroup*>& Pins);
 void SavePins(PrfRecordFile& File, const std::vector<PinBoxGroup*>& Pins, PrfRecordType& Buffer);
 // Writes record RecordNumber with Text taken as a number, held between
 // Lowest and Highest. A text that is no number leaves the buffer's Value as
-// it was, as the dialogs' error trap did.
+// it was (the value of the record written before), with no message.
 void PutNumber(PrfRecordFile& File, int32_t RecordNumber, const QString& Text,
                PrfRecordType& Buffer, int32_t Lowest = INT32_MIN, int32_t Highest = INT32_MAX);
 void PutValue(PrfRecordFile& File, int32_t RecordNumber, int32_t Value, PrfRecordType& Buffer);

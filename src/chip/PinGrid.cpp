@@ -27,7 +27,6 @@ PinGrid::PinGrid(QWidget* Frame, ChipPackageDrawing* Drawing, int SidePins)
     }
     Layout->addWidget(Drawing, 1, DrawingColumn, SidePins, 1);
     Layout->setVerticalSpacing(0);
-    Layout->setColumnMinimumWidth(DrawingColumn, Drawing->sizeHint().width());
 }
 
 void PinGrid::AddLeft(int Row, PinBoxGroup* Pin) {

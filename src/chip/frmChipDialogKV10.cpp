@@ -251,7 +251,8 @@ void frmChipDialogKV10::Com1Enable_Click() {
         NetEnable->setEnabled(false);
         return;
     }
-    // Pin 11 comes back only with COM2 off, as it always has.
+    // Pin 11 comes back here only with COM2 off; the network gives it back
+    // whatever COM2 says.
     const bool Com2IsOff = CheckBoxValue::Get(Com2Enable) == 0;
     Pins[10]->EnableAll();
     if (Com2IsOff) {

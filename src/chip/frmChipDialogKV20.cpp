@@ -12,9 +12,10 @@
 #include "platform/Global.h"
 
 namespace {
-// The pins of the package's sides, and the three pins beyond them.
+// The pins down each side of the package.
 constexpr int SidePins = 12;
-constexpr int FirstFixedPins[] = {1, 2, 3, 4, 21, 22, 23, 24};
+// The pins the user can't change: their boxes are disabled, none set.
+constexpr int FixedPins[] = {1, 2, 3, 4, 21, 22, 23, 24};
 }  // namespace
 
 frmChipDialogKV20::frmChipDialogKV20() {
@@ -134,7 +135,7 @@ void frmChipDialogKV20::InitializeDialog() {
     for (PinBoxGroup* Row : PinRows()) {
         Row->ClearAndEnable();
     }
-    for (int Number : FirstFixedPins) {
+    for (int Number : FixedPins) {
         frmKV20pin[Number]->ClearAndDisable();
     }
     for (PinBoxGroup* Row : PinRows()) {
