@@ -2,6 +2,7 @@
 #include <QFile>
 
 #include "chip/ChipDialogFixture.h"
+#include "chip/ConfigurationBytes.h"
 #include "chip/frmChipDialogKV10.h"
 
 namespace {
@@ -332,6 +333,27 @@ TEST_F(ChipDialogKV10Test, Pin1ClearedByCom2AndSavedHasAllFlagsZero) {
     EXPECT_EQ(Flags(Record(1)), RowNone);
     EXPECT_EQ(Flags(Record(12)), RowIN) << "pin 12 copies pin 11";
     EXPECT_EQ(Record(606).Value, 1);
+}
+
+TEST_F(ChipDialogKV10Test, ThePinsAfterAFreePinStartAsItDoesOnTheChip) {
+    SavePrf(DefaultFile());
+    frmChipDialogKV10& Window = Open();
+    Click(Window.Pin(4)->Box(4));
+    Click(Window.Com1Enable);
+    // A fixed row takes no click.
+    Click(Window.Pin(9)->Box(1));
+    EXPECT_EQ(Row(Window.Pin(9)), RowNone);
+    Press(Window.cmdOK);
+    ConfigurationBytes::RegisterArray Registers{};
+    ConfigurationBytes::ConfigureKV10(Registers);
+    // Port B is pins 1 to 8, bit 0 up: pin 4 and the fixed 5 to 8 after it
+    // are outputs driven high.
+    EXPECT_EQ(Registers[2], 0xF8) << "port B data";
+    EXPECT_EQ(Registers[3], 0xF8) << "port B direction";
+    // Port D is pins 10 to 17: COM1's 10 and 11 copy pin 9's record, which
+    // copies pin 4.
+    EXPECT_EQ(Registers[6], 0x03) << "port D data";
+    EXPECT_EQ(Registers[7], 0x03) << "port D direction";
 }
 
 TEST_F(ChipDialogKV10Test, OptionsOnLoadClaimTheirRowsAndDropTheFilesFlags) {

@@ -91,6 +91,20 @@ TEST_F(ChipDialogKV20Test, MissingFileShowsTheDefaults) {
     EXPECT_FALSE(Window.chkPCLink->isChecked());
 }
 
+TEST_F(ChipDialogKV20Test, OkOnAMissingFileMakesItWithTheDialogsRecords) {
+    frmChipDialogKV20& Window = Open();
+    Click(Window.Pin(8)->Box(2));
+    Press(Window.cmdOK);
+    EXPECT_EQ(PrfBytes().size(), 614 * 14) << "up to record 614, the last written";
+    EXPECT_EQ(Flags(Record(8)), RowP);
+    EXPECT_EQ(Record(600).Value, 65279);
+    EXPECT_EQ(Record(601).Value, 254);
+    EXPECT_EQ(Record(610).Value, 460800) << "the box's \"460,800\"";
+    EXPECT_EQ(Record(613).Value, 2);
+    EXPECT_EQ(Record(614).Value, 0);
+    EXPECT_EQ(Record(611).Value, 0) << "no record the dialog doesn't write";
+}
+
 TEST_F(ChipDialogKV20Test, EmptyFileShowsTheDefaults) {
     WriteFile(QStringLiteral("Chip.prf"));
     frmChipDialogKV20& Window = Open();
