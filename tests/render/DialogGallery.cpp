@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QImage>
 
+#include "chip/frmChipDialogKV10.h"
+#include "chip/frmChipDialogKV20.h"
 #include "editor/frmSearchAndReplace.h"
 #include "link/frmDownloadPortParallel.h"
 #include "link/frmDownloadPortSerial.h"
@@ -54,6 +56,8 @@ std::vector<DialogGalleryEntry> DialogGallery() {
         GlobalForm<frmSearchAndReplace>(QStringLiteral("frmSearchAndReplace")),
         GlobalForm<frmDownloadPortSerial>(QStringLiteral("frmDownloadPortSerial")),
         GlobalForm<frmDownloadPortParallel>(QStringLiteral("frmDownloadPortParallel")),
+        GlobalForm<frmChipDialogKV20>(QStringLiteral("frmChipDialogKV20")),
+        GlobalForm<frmChipDialogKV10>(QStringLiteral("frmChipDialogKV10")),
         SimulatedChipWindow(),
     };
 }
