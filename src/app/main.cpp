@@ -17,6 +17,7 @@
 #include "sim/SimulatedChipStore.h"
 #include "sim/SimulatedParallelPort.h"
 #include "sim/SimulatedSerialLine.h"
+#include "sim/frmSimulatedChip.h"
 
 namespace {
 // The process's exit codes besides 0 (README lists them).
@@ -86,6 +87,13 @@ int main(int argc, char** argv) {
     SimulatedChip->Chip().KeepEepromsIn(
         std::make_unique<SimulatedChipStore>(SimulatedChipStore::DefaultFolder()));
     SimulatedSerialLine::InstallAsSimulatedChip(SimulatedChip);
+    frmSimulatedChip::Attach(SimulatedChip);
+    frmDownloader::SetSimulatedChipWindow([] {
+        frmSimulatedChip& Window = Global<frmSimulatedChip>::Get();
+        Window.show();
+        Window.raise();
+        Window.activateWindow();
+    });
     // LPT 99, the simulated KV-10 board, keeps its EEPROMs beside the chip's.
     const auto SimulatedBoard = std::make_shared<SimulatedParallelPort>();
     SimulatedBoard->Board().KeepEepromsIn(
@@ -107,6 +115,7 @@ int main(int argc, char** argv) {
         Downloader.show();
         ExitCode = QApplication::exec();
     }
+    Global<frmSimulatedChip>::Unload();
     Global<frmDownloader>::Unload();
     // A build script must never read a stale log as this run's result.
     if (ArgumentCount >= 2 && ErrorDisplay::GetLogFailed()) {

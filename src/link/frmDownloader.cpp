@@ -60,6 +60,7 @@ class SourceEditorShutdown : public EditorShutdownHandler {
 
 SourceEditorShutdown TheSourceEditorShutdown;
 EditorShutdownHandler* EditorShutdown = &TheSourceEditorShutdown;
+std::function<void()> ShowSimulatedChipWindow;
 
 // The window's timer as the KV-10 programmer sees it; its event loop fires
 // it inside the yields of the programmer's waits.
@@ -97,7 +98,8 @@ frmDownloader::frmDownloader() {
     // CPU while a chip prints. Both bars are always shown here, so there is
     // nothing to show or hide: a resize still lays the children out. Where
     // the toolkit names this connection otherwise, nothing is disconnected.
-    for (QScrollBar* Bar : {txtDebugWindow->horizontalScrollBar(), txtDebugWindow->verticalScrollBar()}) {
+    for (QScrollBar* Bar :
+         {txtDebugWindow->horizontalScrollBar(), txtDebugWindow->verticalScrollBar()}) {
         QObject::disconnect(Bar, SIGNAL(rangeChanged(int, int)), txtDebugWindow,
                             SLOT(_q_showOrHideScrollBars()));
     }
@@ -215,6 +217,9 @@ void frmDownloader::BuildMenus() {
           &frmDownloader::mnuDownloadPortSetup_Click);
     Entry(mnuDownloadPort, mnuMonitorPortSetup, "mnuMonitorPortSetup", "&Monitor Port",
           &frmDownloader::mnuMonitorPortSetup_Click);
+    Entry(mnuDownloadPort, mnuSimulatedChip, "mnuSimulatedChip", "&Simulated Chip",
+          &frmDownloader::mnuSimulatedChip_Click);
+    mnuSimulatedChip->setVisible(static_cast<bool>(ShowSimulatedChipWindow));
     mnuDiagnostics = menuBar()->addMenu(QStringLiteral("Dia&gnostics"));
     mnuDiagnostics->setObjectName(QStringLiteral("mnuDiagnostics"));
     Entry(mnuDiagnostics, mnuRescue, "mnuRescue", "&Rescue", &frmDownloader::mnuRescue_Click);
@@ -531,6 +536,16 @@ void frmDownloader::EndProcess() {
 
 bool frmDownloader::ProcessHasEnded() { return ProcessEnded; }
 void frmDownloader::ResetProcessEnded() { ProcessEnded = false; }
+
+void frmDownloader::SetSimulatedChipWindow(std::function<void()> Show) {
+    ShowSimulatedChipWindow = std::move(Show);
+}
+
+void frmDownloader::mnuSimulatedChip_Click() {
+    if (ShowSimulatedChipWindow) {
+        ShowSimulatedChipWindow();
+    }
+}
 
 void frmDownloader::SetEditorShutdownHandler(EditorShutdownHandler* Handler) {
     EditorShutdown = Handler != nullptr ? Handler : &TheSourceEditorShutdown;

@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QVector>
+#include <functional>
 #include <memory>
 
 #include "frame/CommandLineInterpreter.h"
@@ -71,6 +72,9 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     static bool ProcessHasEnded();
     static void ResetProcessEnded();
     static void SetEditorShutdownHandler(EditorShutdownHandler* Handler);
+    // The I/O Ports menu offers the simulated chip's window when the program
+    // has one to show; nothing here knows the window itself.
+    static void SetSimulatedChipWindow(std::function<void()> Show);
 
     // CommandLineHost
     void ShowEditorAndOpenProject(const QString& Path, const QString& Name,
@@ -100,6 +104,7 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     QMenu* mnuDownloadPort;
     QAction* mnuDownloadPortSetup;
     QAction* mnuMonitorPortSetup;
+    QAction* mnuSimulatedChip;
     QMenu* mnuDiagnostics;
     QAction* mnuRescue;
     QAction* mnuDiagnosticATN;
@@ -141,6 +146,7 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void mnuProcessorOptions_Click();
     void mnuDownloadPortSetup_Click();
     void mnuMonitorPortSetup_Click();
+    void mnuSimulatedChip_Click();
     void mnuRescue_Click();
     void mnuDiagnosticATN_Click();
     void mnuAbout_Click();

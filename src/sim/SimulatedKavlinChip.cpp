@@ -1,6 +1,9 @@
 #include "sim/SimulatedKavlinChip.h"
 
 #include <algorithm>
+#include <cstring>
+
+#include "machine/BytecodeMachine.h"
 
 namespace {
 // Takes one use of a fault count; -1 never runs out.
@@ -15,10 +18,42 @@ bool Take(int& Count) {
 }
 
 uint8_t Checksum(uint8_t Sum) { return static_cast<uint8_t>(-Sum); }
+
+// The program runs in slices of its own time, so that a print that fills the
+// transmit FIFO holds it back before it gets far ahead of the line: a slice
+// ends at the next byte on the wire at the latest, so the program prints at
+// most a slice's worth (some tens of bytes) beyond the FIFO.
+constexpr int64_t ProgramSliceNs = 1'000'000;
+// Persistent variables lie behind the 32 bytes of the configuration block.
+constexpr size_t PersistentStart = 32;
 }  // namespace
 
+// The program's serial line: what it prints goes out on the chip's line,
+// what the host sent waits in the UART's receive buffer.
+class SimulatedKavlinChip::ProgramSerial : public MachineSerialLine {
+  public:
+    explicit ProgramSerial(SimulatedKavlinChip& Chip) : Chip(Chip) {}
+    void Write(std::span<const uint8_t> Bytes, int64_t Ns) override {
+        Chip.ProgramWrites(Bytes.data(), Bytes.size(), Ns);
+    }
+    bool Available(int64_t) override { return !Chip.ReceiveBuffer_.empty(); }
+    std::optional<uint8_t> Read(int64_t) override {
+        if (Chip.ReceiveBuffer_.empty()) {
+            return std::nullopt;
+        }
+        const uint8_t Byte = Chip.ReceiveBuffer_.front();
+        Chip.ReceiveBuffer_.pop_front();
+        return Byte;
+    }
+
+  private:
+    SimulatedKavlinChip& Chip;
+};
+
 SimulatedKavlinChip::SimulatedKavlinChip()
-    : Ram(RamSize, 0), InternalEeprom(InternalEepromSize, 0xFF) {}
+    : Ram(RamSize, 0),
+      InternalEeprom(InternalEepromSize, 0xFF),
+      ProgramSerial_(std::make_unique<ProgramSerial>(*this)) {}
 
 SimulatedKavlinChip::~SimulatedKavlinChip() {
     // No later save follows, so the time of a retry does not matter.
@@ -40,6 +75,7 @@ void SimulatedKavlinChip::Changed(SimulatedChipStore::Eeprom Which, int64_t Ns) 
 }
 
 void SimulatedKavlinChip::LineTimeIs(int64_t Ns) {
+    RunProgram(Ns);
     if (Store_ && Store_->SaveDue(Ns)) {
         SaveEeproms(Ns);
     }
@@ -92,12 +128,19 @@ void SimulatedKavlinChip::Print(const QByteArray& Text, int64_t Ns) {
     // Byte by byte, so that a long text reaches the host as the line brings it.
     for (const char Byte : Text) {
         Sink_(QByteArray(1, Byte), Ns);
+        TransmitFreeNs_ = std::max(TransmitFreeNs_, Ns) + TransmitByteNs;
     }
 }
 
-void SimulatedKavlinChip::EnterMonitor() {
+void SimulatedKavlinChip::ProgramWrites(const uint8_t* Bytes, size_t Count, int64_t ProgramNs) {
+    Print(QByteArray(reinterpret_cast<const char*>(Bytes), static_cast<qsizetype>(Count)),
+          ProgramNs + HeldNs_);
+}
+
+void SimulatedKavlinChip::EnterMonitor(int64_t Ns) {
     if (!InMonitor_) {
         InMonitor_ = true;
+        HaltedAtNs_ = Ns;
         ++CatchCount;
     }
     State = Expect::Command;
@@ -110,6 +153,82 @@ void SimulatedKavlinChip::LeaveMonitor(int64_t Ns) {
     SaveEeproms(Ns);
 }
 
+void SimulatedKavlinChip::StartProgram(int64_t Ns) {
+    ReceiveBuffer_.clear();
+    const std::span<const uint8_t> Image(ExternalEeprom.Memory.data(),
+                                         ExternalEeprom.Memory.size());
+    // The block tells the pins of the model the image was made for; an image
+    // the machine refuses leaves the pins as the block says all the same.
+    const int ChipType = Image.size() > 5 && Image[0] == 'K' && Image[1] == 'V' ? Image[5] : 2;
+    Board.LoadConfigurationBlock(ChipType, std::span<const uint8_t>(InternalEeprom.data(), 32));
+    Machine_ = std::make_unique<BytecodeMachine>(
+        BytecodeMachine::Memories{Ram, InternalEeprom, Image}, *ProgramSerial_, Board);
+    HeldNs_ = Ns;
+    TransmitFreeNs_ = Ns;
+    PersistentSeen_.assign(InternalEeprom.begin() + PersistentStart, InternalEeprom.end());
+    Machine_->Start(0);
+}
+
+void SimulatedKavlinChip::ResumeProgram(int64_t Ns) {
+    if (!Machine_) {
+        // Caught before any program ran: letting it go starts the program.
+        StartProgram(Ns);
+        return;
+    }
+    HeldNs_ += std::max<int64_t>(0, Ns - HaltedAtNs_);
+}
+
+bool SimulatedKavlinChip::ProgramRunning() const { return Machine_ && !Machine_->Stopped(); }
+
+bool SimulatedKavlinChip::ProgramEnded() const {
+    return Machine_ && Machine_->CurrentState() == BytecodeMachine::State::Ended;
+}
+
+std::string SimulatedKavlinChip::ProgramTrouble() const {
+    if (!Machine_) {
+        return std::string();
+    }
+    if (Machine_->CurrentState() == BytecodeMachine::State::Failed) {
+        return Machine_->ErrorMessage();
+    }
+    return Machine_->RefusalReason();
+}
+
+void SimulatedKavlinChip::RunProgram(int64_t Ns) {
+    if (InMonitor_ || !Machine_ || Machine_->Stopped()) {
+        return;
+    }
+    const int64_t FifoNs = TransmitByteNs * TransmitFifoBytes;
+    while (!Machine_->Stopped()) {
+        const int64_t LineNow = Machine_->Now() + HeldNs_;
+        if (LineNow >= Ns) {
+            break;
+        }
+        // A print waits while the UART is full; the program's time stands
+        // still meanwhile.
+        const int64_t RoomAt = TransmitFreeNs_ - FifoNs;
+        if (RoomAt > LineNow) {
+            HeldNs_ += std::min(RoomAt, Ns) - LineNow;
+            continue;
+        }
+        const int64_t Before = Machine_->Now();
+        Machine_->RunUntil(std::min(Ns, LineNow + ProgramSliceNs) - HeldNs_);
+        if (Machine_->Now() == Before && !Machine_->Stopped()) {
+            // Less time left than one instruction takes.
+            break;
+        }
+    }
+    KeepPersistentChanges(Ns);
+}
+
+void SimulatedKavlinChip::KeepPersistentChanges(int64_t Ns) {
+    const uint8_t* Persistent = InternalEeprom.data() + PersistentStart;
+    if (std::memcmp(Persistent, PersistentSeen_.data(), PersistentSeen_.size()) != 0) {
+        std::memcpy(PersistentSeen_.data(), Persistent, PersistentSeen_.size());
+        Changed(SimulatedChipStore::Internal, Ns);
+    }
+}
+
 void SimulatedKavlinChip::SetAtn(bool Level, int64_t Ns) {
     const bool Rising = Level && !AtnLevel_;
     AtnLevel_ = Level;
@@ -118,7 +237,8 @@ void SimulatedKavlinChip::SetAtn(bool Level, int64_t Ns) {
     }
     const bool StartingUp = StartupUntilNs >= 0 && Ns <= StartupUntilNs;
     if (!ProgramHoldsOffAtn || StartingUp) {
-        EnterMonitor();
+        RunProgram(Ns);
+        EnterMonitor(Ns);
     }
 }
 
@@ -128,17 +248,21 @@ void SimulatedKavlinChip::PressReset(int64_t Ns) {
     }
     LeaveMonitor(Ns);
     StartupUntilNs = Ns + StartupWindowNs;
+    StartProgram(Ns);
 }
 
 void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
     LineTimeIs(Ns);
     if (!InMonitor_) {
         if (PcLinkProgram && Byte == 0x01) {
-            EnterMonitor();
+            EnterMonitor(Ns);
             Reply(QByteArray(1, static_cast<char>(Acknowledge)), Ns, false);
             return;
         }
         ProgramInput.append(static_cast<char>(Byte));
+        if (static_cast<int>(ReceiveBuffer_.size()) < ReceiveBufferBytes) {
+            ReceiveBuffer_.push_back(Byte);
+        }
         if (ProgramEchoes) {
             Print(QByteArray(1, static_cast<char>(Byte)), Ns);
         }
@@ -201,6 +325,7 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
             if (Byte == 0x00) {
                 ++ContinueCount;
                 LeaveMonitor(Ns);
+                ResumeProgram(Ns);
             } else if (Byte == 0xD6) {
                 State = Expect::ResetEnd;
             } else {
@@ -212,6 +337,7 @@ void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
                 ++ResetCount;
                 LeaveMonitor(Ns);
                 StartupUntilNs = Ns + StartupWindowNs;
+                StartProgram(Ns);
             } else {
                 State = Expect::Command;
             }

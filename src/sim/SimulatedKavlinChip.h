@@ -2,10 +2,13 @@
 
 #include <QByteArray>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "sim/SimulatedChipBoard.h"
 #include "sim/SimulatedChipStore.h"
 #include "sim/SimulatedSpiEeprom.h"
 
@@ -26,10 +29,19 @@ struct SimulatedChipFaults {
     int ExtraByte = 0;
 };
 
+class BytecodeMachine;
+
 // A KV-20 or KV-30 as its resident monitor shows it on the serial line: RAM,
 // the 512-byte internal EEPROM and the 32 KB SPI EEPROM, caught by ATN or,
 // with a PC-link program, by the sync byte alone. The line hands it every
 // byte at the moment its stop bit ends and takes its replies.
+//
+// When the host lets it go with a reset, the chip runs the program image in
+// its external EEPROM on the bytecode machine, with its pins as the
+// configuration block sets them; a Continue resumes the program where ATN
+// caught it. The program's time stands still while the monitor has the chip
+// and while a full transmit FIFO holds its print back, as a program waits for
+// its UART.
 class SimulatedKavlinChip {
   public:
     static constexpr int RamSize = 65536;
@@ -64,6 +76,16 @@ class SimulatedKavlinChip {
     // The board's reset button: the program starts again.
     void PressReset(int64_t Ns);
 
+    // Runs the program up to line time Ns, unless the monitor has the chip.
+    void RunProgram(int64_t Ns);
+    // Whether a program is running (or waiting, or sleeping) on the chip.
+    bool ProgramRunning() const;
+    // Whether the program ran to its end.
+    bool ProgramEnded() const;
+    // Why the image was refused, or the run-time error that stopped the
+    // program; empty while it runs well.
+    std::string ProgramTrouble() const;
+
     // The running program prints: the bytes go out one after another from
     // Ns on, as a program's serial output does. The resident monitor prints
     // nothing of the program's, so nothing goes out while it has the chip.
@@ -76,12 +98,21 @@ class SimulatedKavlinChip {
     std::vector<uint8_t> InternalEeprom;
     SimulatedSpiEeprom ExternalEeprom;
     SimulatedChipFaults Faults;
+    // The pins and LEDs as the program drives them.
+    SimulatedChipBoard Board;
 
     // The user program answers the sync byte itself, so no ATN is needed.
     bool PcLinkProgram = false;
     // The user program keeps ATN from catching the monitor; only ATN moving
     // while the chip starts up gets in then.
     bool ProgramHoldsOffAtn = false;
+    // The program's bytes go out at this pace: 10 bits at 115200 baud.
+    int64_t TransmitByteNs = 86'806;
+    // Bytes the chip's UART holds before a print must wait.
+    int TransmitFifoBytes = 16;
+    // Bytes the chip's UART holds for the program to read; beyond them bytes
+    // are lost, as in an overrun.
+    int ReceiveBufferBytes = 64;
     // From a byte's end to the start of the answer.
     int64_t ReplyLatencyNs = 20'000;
     // How long after a reset the start-up code looks at ATN.
@@ -111,8 +142,14 @@ class SimulatedKavlinChip {
     void Reply(QByteArray Bytes, int64_t Ns, bool HasChecksum);
     void CommandByte(uint8_t Byte, int64_t Ns);
     void BlockHeaderDone(int64_t Ns);
-    void EnterMonitor();
+    class ProgramSerial;
+
+    void EnterMonitor(int64_t Ns);
     void LeaveMonitor(int64_t Ns);
+    void StartProgram(int64_t Ns);
+    void ResumeProgram(int64_t Ns);
+    void ProgramWrites(const uint8_t* Bytes, size_t Count, int64_t ProgramNs);
+    void KeepPersistentChanges(int64_t Ns);
     void DeselectExternalEeprom(int64_t Ns);
     void Changed(SimulatedChipStore::Eeprom Which, int64_t Ns);
 
@@ -128,4 +165,15 @@ class SimulatedKavlinChip {
     uint16_t Address = 0;
     uint16_t Remaining = 0;
     uint8_t Sum = 0;
+
+    std::unique_ptr<ProgramSerial> ProgramSerial_;
+    std::unique_ptr<BytecodeMachine> Machine_;
+    // Line time minus the program's own time: what the monitor and a full
+    // transmit FIFO held the program back.
+    int64_t HeldNs_ = 0;
+    int64_t HaltedAtNs_ = 0;
+    // When the UART has sent every byte the program printed.
+    int64_t TransmitFreeNs_ = 0;
+    std::deque<uint8_t> ReceiveBuffer_;
+    std::vector<uint8_t> PersistentSeen_;
 };

@@ -86,8 +86,16 @@ void SimulatedSerialLine::ProcessNextEvent() {
 }
 
 void SimulatedSerialLine::AdvanceTo(int64_t Ns) {
-    int64_t Next = 0;
-    while (NextEvent(Next) && Next <= Ns) {
+    // The chip's program runs up to each event first, so that what it reads
+    // falls in line with the bytes on the wire, and what it prints meanwhile
+    // is on the wire by the time Ns comes.
+    while (true) {
+        int64_t Next = 0;
+        const bool Pending = NextEvent(Next) && Next <= Ns;
+        Chip_->RunProgram(Pending ? Next : Ns);
+        if (!NextEvent(Next) || Next > Ns) {
+            break;
+        }
         ProcessNextEvent();
     }
     LineNs = std::max(LineNs, Ns);
@@ -274,3 +282,5 @@ QList<int32_t> SimulatedSerialLine::TakeCommEvents() {
     Taken.swap(CommEvents_);
     return Taken;
 }
+
+void SimulatedSerialLine::CatchUp() { AdvanceTo(NowNs()); }

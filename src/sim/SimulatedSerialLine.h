@@ -43,6 +43,9 @@ class SimulatedSerialLine : public SerialPort {
     // The chip's running program prints the text now; it reaches the host's
     // input buffer at the line's pace.
     void ProgramPrints(const QByteArray& Text);
+    // Brings the line and the chip's program up to the clock's time, for a
+    // window that shows the chip while nobody reads the port.
+    void CatchUp();
     // The line suffers an event (CommEvents: a break, a framing error, ...)
     // that an open port reports.
     void LineEvent(int32_t Event);
