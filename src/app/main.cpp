@@ -11,6 +11,7 @@
 #include "platform/HeadlessMessageBoxService.h"
 #include "platform/QtClipboardService.h"
 #include "platform/QtFileDialogService.h"
+#include "platform/QtFontDialogService.h"
 #include "platform/QtMessageBoxService.h"
 #include "project/ProjectType.h"
 #include "sim/SimulatedChipStore.h"
@@ -74,6 +75,7 @@ int main(int argc, char** argv) {
     } else {
         MessageBoxService::Install(std::make_unique<QtMessageBoxService>());
         FileDialogService::Install(std::make_unique<QtFileDialogService>());
+        FontDialogService::Install(std::make_unique<QtFontDialogService>());
     }
     ClipboardService::Install(std::make_unique<QtClipboardService>());
     ProjectModel::RegisterWithFrame();

@@ -83,3 +83,6 @@ void EditBoxModuleWindow::Select(int32_t Start, int32_t Length) {
 void EditBoxModuleWindow::SetEditorFont() { Window_->Model().SetEditorFont(); }
 void EditBoxModuleWindow::SetEditorColors() { Window_->Model().SetEditorColors(); }
 void EditBoxModuleWindow::SetTabWidth() { Window_->Model().SetTabWidth(); }
+void EditBoxModuleWindow::SetModuleNumber(int16_t Number) {
+    Window_->Model().SetModuleNumber(Number);
+}

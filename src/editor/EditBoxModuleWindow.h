@@ -26,6 +26,7 @@ class EditBoxModuleWindow : public ModuleEditWindow {
     void SetEditorFont() override;
     void SetEditorColors() override;
     void SetTabWidth() override;
+    void SetModuleNumber(int16_t Number) override;
 
     frmEditBoxType* Window() const { return Window_; }
 

@@ -1,6 +1,5 @@
 #include "editor/frmSearchAndReplace.h"
 
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -85,9 +84,7 @@ frmSearchAndReplace::frmSearchAndReplace() : Model_(*this) {
 
 frmSearchAndReplace::~frmSearchAndReplace() {
     // Deleted with its owner, the main window: the next use makes a fresh one.
-    if (Global<frmSearchAndReplace>::IsLoaded() && &Global<frmSearchAndReplace>::Get() == this) {
-        Global<frmSearchAndReplace>::Release();
-    }
+    Global<frmSearchAndReplace>::Forget(this);
 }
 
 void frmSearchAndReplace::Form_Load() { Model_.Form_Load(); }
@@ -161,19 +158,3 @@ void frmSearchAndReplace::cmdReplaceOnce_Click() { Model_.cmdReplaceOnce_Click()
 void frmSearchAndReplace::cmdReplaceAll_Click() { Model_.cmdReplaceAll_Click(); }
 
 void frmSearchAndReplace::cmdCancel_Click() { Unload(); }
-
-void frmSearchAndReplace::reject() { Unload(); }
-
-void frmSearchAndReplace::closeEvent(QCloseEvent* Event) {
-    Event->accept();
-    Unload();
-}
-
-void frmSearchAndReplace::Unload() {
-    hide();
-    // Unloaded at once: the next Find loads a fresh dialog from the selection.
-    if (Global<frmSearchAndReplace>::IsLoaded() && &Global<frmSearchAndReplace>::Get() == this) {
-        Global<frmSearchAndReplace>::Release();
-        deleteLater();
-    }
-}

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCheckBox>
-#include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -9,12 +8,14 @@
 #include <QRadioButton>
 
 #include "editor/SearchAndReplaceModel.h"
+#include "frame/UnloadingDialog.h"
 
 // The dialog that finds and replaces text in the active module or through
 // all modules of the project, in a find mode and a replace mode. It loads
 // when it is made (from the active module's selection) and unloads when it
 // closes; the editor's main window shows it, owned and not modal.
-class frmSearchAndReplace : public QDialog, public SearchAndReplaceControls {
+class frmSearchAndReplace : public UnloadingDialog<frmSearchAndReplace>,
+                            public SearchAndReplaceControls {
     Q_OBJECT
   public:
     frmSearchAndReplace();
@@ -56,15 +57,11 @@ class frmSearchAndReplace : public QDialog, public SearchAndReplaceControls {
 
   protected:
     bool eventFilter(QObject* Watched, QEvent* Event) override;
-    void closeEvent(QCloseEvent* Event) override;
-    // Escape is Cancel: it unloads the dialog as well.
-    void reject() override;
 
   private:
     void Form_Load();
     // The Enter key in the find text is Find Next.
     bool txtFindText_KeyDown(int KeyCode);
-    void Unload();
 
     SearchAndReplaceModel Model_;
 };

@@ -12,6 +12,7 @@
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
 #include "editor/frmEditBoxType.h"
+#include "editor/frmEnvironmentOptions.h"
 #include "editor/frmSearchAndReplace.h"
 #include "frame/CommandLineInterpreter.h"
 #include "frame/DirectoryCentral.h"
@@ -32,6 +33,8 @@
 #include "platform/Global.h"
 #include "project/ProjectType.h"
 #include "project/RecentProjects.h"
+#include "project/frmNewProject.h"
+#include "project/frmProjectFiles.h"
 
 namespace {
 constexpr int MinimumToolBarTwips = 4410;
@@ -180,7 +183,10 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuWindowTileVertical, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::SideBySide); });
     connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
-    // Not yet: the options, chip and project files dialogs come with their own parts.
+    connect(mnuEnvironmentOptions, &QAction::triggered, this,
+            &frmSourceEditor::mnuEnvironmentOptions_Click);
+    connect(mnuProjectFiles, &QAction::triggered, this, &frmSourceEditor::mnuProjectFiles_Click);
+    // Not yet: the processor and chip dialogs come with their own parts.
 }
 
 void frmSourceEditor::BuildToolBar() {
@@ -610,10 +616,42 @@ void frmSourceEditor::SaveModuleAsDialog(const QString& Path, const QString& Fil
         5, LongFilename, IsNewFile, UserCancelled);
 }
 
+namespace {
+// A dialog that the editor owns and shows, not modally, in front.
+template <class Dialog>
+Dialog& ShowOwned(QWidget* Owner) {
+    Dialog& Shown = Global<Dialog>::Get();
+    if (Shown.parentWidget() != Owner) {
+        Shown.setParent(Owner, Shown.windowFlags() | Qt::Dialog);
+    }
+    Shown.show();
+    Shown.raise();
+    Shown.activateWindow();
+    return Shown;
+}
+}  // namespace
+
 void frmSourceEditor::mnuNewProject_Click() {
     bool Success = false;
     PromptToSaveModules(false, Success);
-    // Not yet: the new project dialog comes with the project dialogs.
+    if (!Success) {
+        return;
+    }
+    frmNewProject& Dialog = ShowOwned<frmNewProject>(this);
+    // Opened here, the project's name comes into the caption.
+    Dialog.OpenProject = [this](const QString& Path, const QString& Name, const QString& Extension,
+                                bool IsNewProject) {
+        OpenProject(Path, Name, Extension, IsNewProject);
+    };
+}
+
+void frmSourceEditor::mnuProjectFiles_Click() { ShowOwned<frmProjectFiles>(this); }
+
+void frmSourceEditor::mnuEnvironmentOptions_Click() {
+    frmEnvironmentOptions& Options = Global<frmEnvironmentOptions>::Get();
+    Options.setParent(this, Options.windowFlags() | Qt::Dialog);
+    Options.exec();
+    Global<frmEnvironmentOptions>::Unload();
 }
 
 void frmSourceEditor::mnuOpenProject_Click() {
@@ -871,8 +909,10 @@ void frmSourceEditor::barEditorToolbar_ButtonClick(const QString& Key) {
         mnuCompileAndRun_Click();
     } else if (Key == QStringLiteral("Find")) {
         mnuFindFirst_Click();
-    } else if (Key == QStringLiteral("ChipDialog") || Key == QStringLiteral("ProjectFiles")) {
-        // Not yet: the chip and project files dialogs come with their parts.
+    } else if (Key == QStringLiteral("ProjectFiles")) {
+        mnuProjectFiles_Click();
+    } else if (Key == QStringLiteral("ChipDialog")) {
+        // Not yet: the chip dialogs come with their part.
     } else {
         ErrorDisplay::ProbeError(
             QStringLiteral("Error1 in frmSourceEditor.barEditorToolbar_ButtonClick"));

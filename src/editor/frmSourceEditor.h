@@ -143,6 +143,8 @@ class frmSourceEditor : public QMainWindow,
     void mnuCompileAndRun_Click();
     void mnuCompileStatus_Click();
     void mnuWatchWindow_Click();
+    void mnuProjectFiles_Click();
+    void mnuEnvironmentOptions_Click();
     void mnuAbout_Click();
     void barEditorToolbar_ButtonClick(const QString& Key);
     void tabEditTabStrip_Click(int Index);

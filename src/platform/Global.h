@@ -34,6 +34,23 @@ class Global {
         return Old;
     }
 
+    // A window that unloads itself from one of its own events: given up now
+    // and deleted once the event is over. Another instance is left alone.
+    static void UnloadLater(T* Window) {
+        if (Window != nullptr && Slot() == Window) {
+            Slot() = nullptr;
+            Window->deleteLater();
+        }
+    }
+
+    // From the destructor of a window that its owner deletes: the next use
+    // makes a fresh one.
+    static void Forget(const T* Window) {
+        if (Slot() == Window) {
+            Slot() = nullptr;
+        }
+    }
+
   private:
     static T*& Slot() {
         static T* Instance = nullptr;

@@ -26,6 +26,9 @@ class ModuleEditWindow {
     virtual void SetEditorFont() = 0;
     virtual void SetEditorColors() = 0;
     virtual void SetTabWidth() = 0;
+    // The module's new place after the list was renumbered, so that the
+    // active window names the module it shows.
+    virtual void SetModuleNumber(int16_t /*Number*/) {}
 
     // Makes the edit windows; none installed, a module gets no window.
     using Factory = std::function<std::unique_ptr<ModuleEditWindow>()>;

@@ -14,6 +14,13 @@ ModuleType::~ModuleType() {
     EditWindow_.reset();
 }
 
+void ModuleType::SetNumber(int16_t NewNumber) {
+    Number_ = NewNumber;
+    if (HasEditBox_) {
+        EditWindow_->SetModuleNumber(NewNumber);
+    }
+}
+
 void ModuleType::SetEditorFont() {
     if (HasEditBox_) {
         EditWindow_->SetEditorFont();

@@ -16,7 +16,9 @@ class ModuleType {
     bool IsDefined = false;
 
     int16_t Number() const { return Number_; }
-    void SetNumber(int16_t NewNumber) { Number_ = NewNumber; }
+    // The window takes the number as well: it is how the editor knows which
+    // module is active.
+    void SetNumber(int16_t NewNumber);
     void SetEditorFont();
     void SetTabWidth();
     void SetEditorColors();

@@ -83,18 +83,23 @@ bool ProjectType::HasChanged(int16_t ModuleNumber) const {
 
 int16_t ProjectType::ModuleCount() const { return ModuleList_ ? ModuleList_->Count() : 0; }
 
+QString ProjectType::ModuleFileLine(int16_t ModuleNumber) {
+    const ModuleType* Module = ModuleList().GetModule(ModuleNumber);
+    if (Module == nullptr) {
+        return QString();
+    }
+    // The module's directory is the project's only when it is the same text exactly.
+    if (Module->Path() == Path_) {
+        return UtilitiesFilename::MakeFilename(QString(), Module->Name(), Module->Extension());
+    }
+    return UtilitiesFilename::MakeFilename(Module->Path(), Module->Name(), Module->Extension(),
+                                           Module->PathSeparator());
+}
+
 QStringList ProjectType::ProjectFileLines() {
     QStringList Lines;
-    for (int Number = 1; Number <= ModuleCount(); ++Number) {
-        const ModuleType* Module = ModuleList().GetModule(Number);
-        // The module's directory is the project's only when it is the same text exactly.
-        if (Module->Path() == Path_) {
-            Lines << UtilitiesFilename::MakeFilename(QString(), Module->Name(),
-                                                     Module->Extension());
-        } else {
-            Lines << UtilitiesFilename::MakeFilename(Module->Path(), Module->Name(),
-                                                     Module->Extension(), Module->PathSeparator());
-        }
+    for (int16_t Number = 1; Number <= ModuleCount(); ++Number) {
+        Lines << ModuleFileLine(Number);
     }
     // Modules the open could not load are still the project's: the user did
     // not remove them.

@@ -50,6 +50,9 @@ class ProjectType {
     void SetEditorColors();
     void SetTabWidth();
 
+    // A module's line of the project file: its name alone in the project's
+    // directory, else its full name.
+    QString ModuleFileLine(int16_t ModuleNumber);
     // The project file's lines as SaveFileKVP writes them.
     QStringList ProjectFileLines();
     ModuleListType& ModuleList();

@@ -1,14 +1,22 @@
 #include "render/DialogGallery.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QImage>
+#include <QTemporaryDir>
+#include <memory>
 
 #include "chip/frmChipDialogKV10.h"
 #include "chip/frmChipDialogKV20.h"
+#include "editor/frmEnvironmentOptions.h"
 #include "editor/frmSearchAndReplace.h"
 #include "link/frmDownloadPortParallel.h"
 #include "link/frmDownloadPortSerial.h"
 #include "platform/Global.h"
+#include "project/ProjectType.h"
+#include "project/frmNewProject.h"
+#include "project/frmProjectFiles.h"
 #include "sim/SimulatedSerialLine.h"
 #include "sim/frmSimulatedChip.h"
 
@@ -49,6 +57,37 @@ DialogGalleryEntry SimulatedChipWindow() {
             }};
 }
 
+// The project files dialog lists the open project's modules: a project of
+// three, one of them in another folder, made in a folder of its own.
+DialogGalleryEntry ProjectFilesForm() {
+    auto Folder = std::make_shared<QTemporaryDir>();
+    return {QStringLiteral("frmProjectFiles"),
+            [Folder] {
+                const QString Path = Folder->path();
+                const auto Write = [&Path](const QString& Name, const QByteArray& Bytes) {
+                    QFile File(Path + QLatin1Char('/') + Name);
+                    if (File.open(QIODevice::WriteOnly)) {
+                        File.write(Bytes);
+                    }
+                };
+                Write(QStringLiteral("blink.kvp"),
+                      "main.bas\r\nled.bas\r\n" + Path.toUtf8() + "/lib/serial.bas\r\n");
+                Write(QStringLiteral("blink.prf"), QByteArray(8610, '\0'));
+                Write(QStringLiteral("main.bas"), "Option Explicit\r\n");
+                Write(QStringLiteral("led.bas"), "Option Explicit\r\n");
+                QDir(Path).mkpath(QStringLiteral("lib"));
+                Write(QStringLiteral("lib/serial.bas"), "Option Explicit\r\n");
+                Project().OpenProject(Path, QStringLiteral("blink"), QStringLiteral("kvp"), false);
+                frmProjectFiles& Window = Global<frmProjectFiles>::Get();
+                Window.show();
+                return static_cast<QWidget*>(&Window);
+            },
+            [] {
+                Global<frmProjectFiles>::Unload();
+                Global<ProjectType>::Unload();
+            }};
+}
+
 }  // namespace
 
 std::vector<DialogGalleryEntry> DialogGallery() {
@@ -59,6 +98,17 @@ std::vector<DialogGalleryEntry> DialogGallery() {
         GlobalForm<frmChipDialogKV20>(QStringLiteral("frmChipDialogKV20")),
         GlobalForm<frmChipDialogKV10>(QStringLiteral("frmChipDialogKV10")),
         SimulatedChipWindow(),
+        GlobalForm<frmEnvironmentOptions>(QStringLiteral("frmEnvironmentOptions")),
+        {QStringLiteral("frmEnvironmentOptions.EditorOptions"),
+         [] {
+             frmEnvironmentOptions& Window = Global<frmEnvironmentOptions>::Get();
+             Window.SSTab1->setCurrentIndex(1);
+             Window.show();
+             return static_cast<QWidget*>(&Window);
+         },
+         [] { Global<frmEnvironmentOptions>::Unload(); }},
+        GlobalForm<frmNewProject>(QStringLiteral("frmNewProject")),
+        ProjectFilesForm(),
     };
 }
 

@@ -70,6 +70,23 @@ QString FrameFixture::Setting(const QString& Key) {
     return Settings->GetSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"), Key);
 }
 
+QString FrameFixture::TempFile(const QString& RelativeName) const {
+    return QDir(Temp.path()).filePath(RelativeName);
+}
+
+QByteArray FrameFixture::TempFileBytes(const QString& RelativeName) const {
+    QFile File(TempFile(RelativeName));
+    return File.open(QIODevice::ReadOnly) ? File.readAll() : QByteArray("<none>");
+}
+
+QStringList FrameFixture::BoxMessages() const {
+    QStringList Messages;
+    for (const auto& Shown : Boxes->Boxes) {
+        Messages << Shown.Title + QLatin1Char('|') + Shown.Text;
+    }
+    return Messages;
+}
+
 QString FrameFixture::WriteFile(const QString& RelativeName, const QByteArray& Content) {
     const QString Name = QDir(Temp.path()).filePath(RelativeName);
     QDir().mkpath(QFileInfo(Name).path());

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include "platform/SettingsStore.h"
@@ -23,6 +24,12 @@ class FrameFixture : public ::testing::Test {
     // Writes a file under the temporary directory; returns its full name.
     QString WriteFile(const QString& RelativeName, const QByteArray& Content = QByteArray());
     QString TempPath() const { return Temp.path(); }
+    // The full name of a file under the temporary directory.
+    QString TempFile(const QString& RelativeName) const;
+    // Its bytes; "<none>" when it can't be read.
+    QByteArray TempFileBytes(const QString& RelativeName) const;
+    // Every box shown so far, as "Title|Text".
+    QStringList BoxMessages() const;
     // A good installation in "inst" and the work path here, so that the
     // downloader's start-up shows no box of its own.
     void MakeGoodInstallation();

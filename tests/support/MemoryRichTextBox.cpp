@@ -62,6 +62,9 @@ void MemoryRichTextBox::SetSelColor(uint32_t Rgb) {
         return;
     }
     std::fill(Colors_.begin() + SelStart_, Colors_.begin() + SelStart_ + SelLength_, Rgb);
+    if (MousePointer == rtfWaitPointer) {
+        ++ColorWritesUnderWaitPointer;
+    }
     ++ChangeEvents;
     RaiseChange();
 }

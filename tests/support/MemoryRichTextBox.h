@@ -38,7 +38,10 @@ class MemoryRichTextBox : public RichTextBox {
     // A group's text writes count as one step of undo.
     void BeginEditGroup() override;
     void EndEditGroup() override;
-    void SetMousePointer(int32_t Pointer) override { MousePointer = Pointer; }
+    void SetMousePointer(int32_t Pointer) override {
+        MousePointer = Pointer;
+        Pointers.push_back(Pointer);
+    }
     void SetSelFontName(const QString& Name) override { FontName = Name; }
     void SetSelFontSize(int32_t Size) override { FontSize = Size; }
     void SetSelTabCount(int32_t Count) override;
@@ -65,6 +68,10 @@ class MemoryRichTextBox : public RichTextBox {
     bool Visible = true;
     int32_t VisibleChanges = 0;
     int32_t MousePointer = 0;
+    // Every pointer set, in order.
+    std::vector<int32_t> Pointers;
+    // Colours of text written while the wait pointer showed.
+    int32_t ColorWritesUnderWaitPointer = 0;
     QString FontName;
     int32_t FontSize = 0;
     std::vector<int32_t> Tabs;

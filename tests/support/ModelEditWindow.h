@@ -35,6 +35,7 @@ class ModelEditWindow : public ModuleEditWindow {
     void SetEditorFont() override { Model.SetEditorFont(); }
     void SetEditorColors() override { Model.SetEditorColors(); }
     void SetTabWidth() override { Model.SetTabWidth(); }
+    void SetModuleNumber(int16_t Number) override { Model.SetModuleNumber(Number); }
 
     // Windows alive now, across all instances.
     static inline int Open = 0;

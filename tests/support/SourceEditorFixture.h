@@ -57,6 +57,14 @@ class SourceEditorFixture : public FrameFixture {
     }
     static void Settle() { QCoreApplication::processEvents(); }
     frmEditBoxType* Module(int Number) const { return ModuleWindow(*Editor, Number); }
+    // The tab strip's captions, in order.
+    QStringList TabTexts() const {
+        QStringList Texts;
+        for (int Index = 0; Index < Editor->tabEditTabStrip->count(); ++Index) {
+            Texts << Editor->tabEditTabStrip->tabText(Index);
+        }
+        return Texts;
+    }
 
     ScriptedFileDialogService* Dialogs = nullptr;
     frmSourceEditor* Editor = nullptr;
