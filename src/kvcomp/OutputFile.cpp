@@ -27,7 +27,10 @@ bool Write(const std::filesystem::path& File, std::string_view Bytes, Durability
     }
     const std::filesystem::path Folder =
         File.has_parent_path() ? File.parent_path() : std::filesystem::path(".");
-    std::string Pattern = (Folder / ("." + File.filename().string() + ".XXXXXX")).string();
+    // A hidden name beside the file, so that the rename stays on one file system.
+    std::string Leaf(".");
+    Leaf.append(File.filename().string()).append(".XXXXXX");
+    std::string Pattern = (Folder / Leaf).string();
     const int Handle = ::mkstemp(Pattern.data());
     if (Handle < 0) {
         return Fail(File, "create", errno, Error);
