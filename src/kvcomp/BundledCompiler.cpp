@@ -46,7 +46,16 @@ int16_t Int16(int Value) {
                                                 std::numeric_limits<int16_t>::max()));
 }
 
-bool IsAddressRange(int32_t Low, int32_t High) { return Low >= 0 && Low <= High && High <= 65535; }
+// First and last address inside the 16-bit address space, the first not
+// above the last; another range leaves the previous one.
+bool SetRange(int32_t Low, int32_t High, int32_t& StoredLow, int32_t& StoredHigh) {
+    if (Low < 0 || Low > High || High > 65535) {
+        return false;
+    }
+    StoredLow = Low;
+    StoredHigh = High;
+    return true;
+}
 
 BundledCompiler::Outcome Failure(int32_t Number, const std::string& Message,
                                  int16_t ModuleNumber = 0) {
@@ -103,30 +112,15 @@ bool BundledCompiler::SetStringSize(int16_t Size) {
 }
 
 bool BundledCompiler::SetRamBoundaries(int32_t Low, int32_t High) {
-    if (!IsAddressRange(Low, High)) {
-        return false;
-    }
-    Settings.RamLow = Low;
-    Settings.RamHigh = High;
-    return true;
+    return SetRange(Low, High, Settings.RamLow, Settings.RamHigh);
 }
 
 bool BundledCompiler::SetCodeBoundaries(int32_t Low, int32_t High) {
-    if (!IsAddressRange(Low, High)) {
-        return false;
-    }
-    Settings.CodeLow = Low;
-    Settings.CodeHigh = High;
-    return true;
+    return SetRange(Low, High, Settings.CodeLow, Settings.CodeHigh);
 }
 
 bool BundledCompiler::SetPersistentBoundaries(int32_t Low, int32_t High) {
-    if (!IsAddressRange(Low, High)) {
-        return false;
-    }
-    Settings.PersistentLow = Low;
-    Settings.PersistentHigh = High;
-    return true;
+    return SetRange(Low, High, Settings.PersistentLow, Settings.PersistentHigh);
 }
 
 BundledCompiler::Outcome BundledCompiler::RunCompile(const std::u16string& ProjectFilename) {

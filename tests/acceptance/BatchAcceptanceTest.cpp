@@ -377,14 +377,18 @@ TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsThe
 
 const QByteArray HelloProgram = "Sub Main()\r\n    Debug.Print \"ready\"\r\nEnd Sub\r\n";
 
+// The log of a good "blink /c".
+QStringList GoodCompileLog(const QString& Work) {
+    return {QStringLiteral("Command line:  blink /c"), QString(),
+            QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+            QStringLiteral("Done.")};
+}
+
 TEST_F(BatchAcceptance, TheRealComponentInTheInstallDirectoryMakesAnImageThatKavlinSimRuns) {
     InstallBundledComponent();
     Touch(Work + QStringLiteral("/blink.bas"), HelloProgram);
     EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 0);
-    EXPECT_EQ(LogLines(),
-              (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
-                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
-                           QStringLiteral("Done.")}));
+    EXPECT_EQ(LogLines(), GoodCompileLog(Work));
     EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error")))
         << StandardError.toStdString();
     EXPECT_EQ(ComponentCalls(), QStringList()) << "the test double was not the one loaded";
@@ -401,10 +405,7 @@ TEST_F(BatchAcceptance, WithoutAComponentInTheInstallDirectoryTheOneBesideThePro
     InstallSymbolFiles();
     Touch(Work + QStringLiteral("/blink.bas"), HelloProgram);
     Run({QStringLiteral("blink"), QStringLiteral("/c")});
-    EXPECT_EQ(LogLines(),
-              (QStringList{QStringLiteral("Command line:  blink /c"), QString(),
-                           QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
-                           QStringLiteral("Done.")}));
+    EXPECT_EQ(LogLines(), GoodCompileLog(Work));
     EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error")))
         << StandardError.toStdString();
     EXPECT_EQ(RunOnSim({Work + QStringLiteral("/blink.kvb"), QStringLiteral("--expect"),
