@@ -1508,12 +1508,12 @@ class Generator {
                  std::string("Expected a variable ") + What + ", found " + Target.Text +
                      (F.Const != nullptr ? ", a constant" : ", a procedure"));
         }
-        CheckIndexes(Target, *F.Var);
         if (F.Var->Dimensions != 0 && Target.Arguments.empty()) {
             Fail(Target.At, 310,
                  F.Var->Name + " is an array: assign to one element at a time, as " + F.Var->Name +
                      "(1) = ...");
         }
+        CheckIndexes(Target, *F.Var);
         return F.Var;
     }
 
