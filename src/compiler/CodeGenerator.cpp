@@ -311,12 +311,12 @@ class Generator {
                 C->Module = Module_;
                 C->Public = Each.Public;
                 C->Tree = &Each;
-                DeclareModuleName(Each.Upper, Each.At, Each.Public);
+                DeclareModuleName(Each.Name, Each.At, Each.Public);
                 ModuleConstants_[{Module_, Each.Upper}] = C.get();
                 AllConstants_.push_back(std::move(C));
             }
             for (const Procedure& Each : Tree.Procedures) {
-                DeclareModuleName(Each.Upper, Each.At, Each.Public);
+                DeclareModuleName(Each.Name, Each.At, Each.Public);
                 ProcedureEntry Entry;
                 Entry.Name = Each.Name;
                 Entry.Module = Module_;
@@ -355,7 +355,7 @@ class Generator {
         for (size_t M = 0; M < Modules_.size(); ++M) {
             Module_ = static_cast<int>(M);
             for (const Declarator& Each : Modules_[M].Variables) {
-                DeclareModuleName(Each.Upper, Each.At, Each.Public);
+                DeclareModuleName(Each.Name, Each.At, Each.Public);
                 auto V = MakeVariable(Each);
                 V->Public = Each.Public;
                 if (Each.Persistent) {
@@ -409,15 +409,15 @@ class Generator {
         P_.PersistentSize = static_cast<int32_t>(PersistentNext - ImageHeader::PersistentBase);
     }
 
-    void DeclareModuleName(const std::string& Upper, const Span& At, bool Public) {
+    void DeclareModuleName(const std::string& Name, const Span& At, bool Public) {
+        const std::string Upper = UpperCase(Name);
         if (ModuleNames_[static_cast<size_t>(Module_)].count(Upper) != 0) {
-            Fail(At, 302, "The name " + Upper + " is already declared in this module");
+            Fail(At, 302, "The name " + Name + " is already declared in this module");
         }
         ModuleNames_[static_cast<size_t>(Module_)].insert(Upper);
         if (Public) {
             if (PublicNames_.count(Upper) != 0) {
-                Fail(At, 302,
-                     "The public name " + Upper + " is already declared in another module");
+                Fail(At, 302, "The public name " + Name + " is already declared in another module");
             }
             PublicNames_.insert(Upper);
         }
