@@ -1,6 +1,7 @@
 // Every example of docs/language.md is a golden test: a program with the
 // output it prints, or with the error it is refused with. Each runs twice,
 // with the optimiser off and on, and must print the same either way.
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -16,6 +17,10 @@ struct Example {
     std::vector<std::string> Modules;
     std::string Kind;  // "output" or "error"
     std::string Expected;
+    // The document's lines (from 1) of the expected text: from, and the
+    // closing fence's.
+    int ExpectedFrom = 0;
+    int ExpectedTo = 0;
 };
 
 std::vector<Example> ReadExamples() {
@@ -44,10 +49,12 @@ std::vector<Example> ReadExamples() {
         if (Block == "basic" && !Examples.empty() && Examples.back().Kind.empty()) {
             Examples.back().Modules.push_back(Text);
         } else if (Block == "basic") {
-            Examples.push_back({Start, {Text}, "", ""});
+            Examples.push_back({Start, {Text}, "", "", 0, 0});
         } else if (!Examples.empty() && Examples.back().Kind.empty()) {
             Examples.back().Kind = Block;
             Examples.back().Expected = Text;
+            Examples.back().ExpectedFrom = Start + 1;
+            Examples.back().ExpectedTo = Number;
         }
         Block.clear();
     }
@@ -62,7 +69,26 @@ std::string WithoutAddress(std::string Text) {
     return Text;
 }
 
-class LanguageExamplesTest : public CompilerFixture {};
+class LanguageExamplesTest : public CompilerFixture {
+  protected:
+    // What the example prints, unoptimised, or the error it is refused with.
+    std::string Actual(const Example& Each) {
+        Options.Optimize = false;
+        Board = MachineBoard();
+        InternalEeprom.assign(512, 0xFF);
+        Build(Each.Modules);
+        if (!Result.Success) {
+            const Diagnostic& E = Result.Error;
+            return std::to_string(E.Line) + ":" + std::to_string(E.Column) + " " +
+                   std::to_string(E.Number) + " " + E.Message + "\r\n";
+        }
+        if (!Start()) {
+            return "(refused) " + Machine->RefusalReason() + "\r\n";
+        }
+        RunFor(10);
+        return Board.Output;
+    }
+};
 
 TEST_F(LanguageExamplesTest, EveryExamplePrintsWhatTheDocumentSays) {
     const std::vector<Example> Examples = ReadExamples();
@@ -94,6 +120,44 @@ TEST_F(LanguageExamplesTest, EveryExamplePrintsWhatTheDocumentSays) {
                           Each.Expected);
             }
         }
+    }
+}
+
+// With KAVLIN_REGENERATE_EXAMPLES set (scripts/regenerate-language-examples.sh),
+// writes what each example does now into the document, to be read over in
+// the diff before it is committed.
+TEST_F(LanguageExamplesTest, RegenerateTheDocumentsOutputsWhenAsked) {
+    if (std::getenv("KAVLIN_REGENERATE_EXAMPLES") == nullptr) {
+        GTEST_SKIP() << "KAVLIN_REGENERATE_EXAMPLES is not set";
+    }
+    std::vector<std::string> Lines;
+    {
+        std::ifstream File(KAVLIN_LANGUAGE_DOC);
+        std::string Line;
+        while (std::getline(File, Line)) {
+            Lines.push_back(Line);
+        }
+    }
+    std::vector<Example> Examples = ReadExamples();
+    // From the last, so that earlier line numbers stay right.
+    for (auto It = Examples.rbegin(); It != Examples.rend(); ++It) {
+        std::string Text = Actual(*It);
+        ASSERT_TRUE(Text.size() >= 2 && Text.substr(Text.size() - 2) == "\r\n")
+            << "docs/language.md line " << It->Line << ": the output does not end a line";
+        std::vector<std::string> NewLines;
+        for (size_t From = 0; From < Text.size();) {
+            const size_t End = Text.find("\r\n", From);
+            NewLines.push_back(Text.substr(From, End - From));
+            From = End + 2;
+        }
+        const std::string Fence = Result.Success ? "```output" : "```error";
+        Lines[static_cast<size_t>(It->ExpectedFrom - 2)] = Fence;
+        Lines.erase(Lines.begin() + (It->ExpectedFrom - 1), Lines.begin() + (It->ExpectedTo - 1));
+        Lines.insert(Lines.begin() + (It->ExpectedFrom - 1), NewLines.begin(), NewLines.end());
+    }
+    std::ofstream File(KAVLIN_LANGUAGE_DOC, std::ios::binary | std::ios::trunc);
+    for (const std::string& Line : Lines) {
+        File << Line << "\n";
     }
 }
 
