@@ -153,9 +153,15 @@ TEST_F(DiagnosticsTest, NarrowingIsAWarningWithStrictSyntaxOffAndOverflowsWhenIt
 }
 
 TEST_F(DiagnosticsTest, WarningsStayWithAFailedCompile) {
-    Build("Option Explicit\r\nSub Main()\r\n    Dim Unused As Integer\r\n    Oops\r\nEnd Sub\r\n");
+    // Those found before the error; whether a variable is used is only known
+    // at the end.
+    Options.StrictSyntax = false;
+    Build("Sub Main()\r\n    Dim B As Byte\r\n    B = 1000 \\ 3\r\n    Oops\r\nEnd Sub\r\n");
     ASSERT_FALSE(Result.Success);
     EXPECT_EQ(Result.Error.Number, 303);
+    ASSERT_EQ(Result.Warnings.size(), 1u);
+    EXPECT_EQ(Result.Warnings[0].Number, 902);
+    EXPECT_EQ(Result.Warnings[0].Line, 3);
 }
 
 TEST_F(DiagnosticsTest, OptionsOutsideTheirRangeAreRefused) {
