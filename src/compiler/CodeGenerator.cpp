@@ -249,25 +249,11 @@ class Generator {
   private:
     // Diagnostics
     [[noreturn]] void Fail(const Span& At, int Number, const std::string& Message) {
-        Error_.ModuleIndex = Module_;
-        Error_.Line = At.Line;
-        Error_.Column = At.Column;
-        Error_.StartPosition = At.Start;
-        Error_.EndPosition = At.End;
-        Error_.Number = Number;
-        Error_.Message = Message;
+        Error_ = MakeDiagnostic(Module_, At, Number, Message);
         throw Failure();
     }
     void Warn(int Module, const Span& At, int Number, const std::string& Message) {
-        Diagnostic D;
-        D.ModuleIndex = Module;
-        D.Line = At.Line;
-        D.Column = At.Column;
-        D.StartPosition = At.Start;
-        D.EndPosition = At.End;
-        D.Number = Number;
-        D.Message = Message;
-        P_.Warnings.push_back(D);
+        P_.Warnings.push_back(MakeDiagnostic(Module, At, Number, Message));
     }
 
     // Declarations of the whole program, before any code.

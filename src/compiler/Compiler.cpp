@@ -9,20 +9,8 @@ namespace KavlinCompiler {
 
 namespace {
 
-Diagnostic At(int Module, const Span& Where, int Number, const std::string& Message) {
-    Diagnostic D;
-    D.ModuleIndex = Module;
-    D.Line = Where.Line;
-    D.Column = Where.Column;
-    D.StartPosition = Where.Start;
-    D.EndPosition = Where.End;
-    D.Number = Number;
-    D.Message = Message;
-    return D;
-}
-
 Diagnostic Nowhere(int Number, const std::string& Message) {
-    return At(-1, Span{0, 0, 0, 0}, Number, Message);
+    return MakeDiagnostic(-1, Span{0, 0, 0, 0}, Number, Message);
 }
 
 bool CheckOptions(const CompileOptions& Options, Diagnostic& Error) {
@@ -94,13 +82,14 @@ CompileResult CompileModules(const std::vector<SourceModule>& Modules,
         LexError Lex;
         const std::vector<Token> Tokens = Tokenize(Modules[M].Text, Lex);
         if (Lex.Failed) {
-            Result.Error = At(Index, Span{Lex.At.Line, Lex.At.Column, Lex.At.Start, Lex.At.End},
-                              Lex.Number, Lex.Message);
+            Result.Error =
+                MakeDiagnostic(Index, Span{Lex.At.Line, Lex.At.Column, Lex.At.Start, Lex.At.End},
+                               Lex.Number, Lex.Message);
             return Result;
         }
         SyntaxError Syntax;
         if (!ParseModule(Tokens, Trees[M], Syntax)) {
-            Result.Error = At(Index, Syntax.At, Syntax.Number, Syntax.Message);
+            Result.Error = MakeDiagnostic(Index, Syntax.At, Syntax.Number, Syntax.Message);
             return Result;
         }
     }

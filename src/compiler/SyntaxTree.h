@@ -19,6 +19,18 @@ struct Span {
     int32_t End = 0;
 };
 
+inline Diagnostic MakeDiagnostic(int Module, const Span& At, int Number, std::string Message) {
+    Diagnostic D;
+    D.ModuleIndex = Module;
+    D.Line = At.Line;
+    D.Column = At.Column;
+    D.StartPosition = At.Start;
+    D.EndPosition = At.End;
+    D.Number = Number;
+    D.Message = std::move(Message);
+    return D;
+}
+
 struct Expr;
 using ExprPtr = std::unique_ptr<Expr>;
 
