@@ -66,26 +66,26 @@ struct ProcedureEntry {
 enum class Builtin : uint8_t { None, Convert, Text, Absolute };
 
 struct BuiltinInfo {
-    const char* Upper;
+    const char* Name;
     Builtin Kind;
     ValueKind To;
 };
 
 constexpr BuiltinInfo Builtins[] = {
-    {"CBYTE", Builtin::Convert, ValueKind::Byte},
-    {"CINT", Builtin::Convert, ValueKind::Integer},
-    {"CUINT", Builtin::Convert, ValueKind::UnsignedInteger},
-    {"CLNG", Builtin::Convert, ValueKind::Long},
-    {"CULNG", Builtin::Convert, ValueKind::UnsignedLong},
-    {"CSNG", Builtin::Convert, ValueKind::Single},
-    {"CBOOL", Builtin::Convert, ValueKind::Boolean},
-    {"CSTR", Builtin::Text, ValueKind::String},
-    {"ABS", Builtin::Absolute, ValueKind::None},
+    {"CByte", Builtin::Convert, ValueKind::Byte},
+    {"CInt", Builtin::Convert, ValueKind::Integer},
+    {"CUInt", Builtin::Convert, ValueKind::UnsignedInteger},
+    {"CLng", Builtin::Convert, ValueKind::Long},
+    {"CULng", Builtin::Convert, ValueKind::UnsignedLong},
+    {"CSng", Builtin::Convert, ValueKind::Single},
+    {"CBool", Builtin::Convert, ValueKind::Boolean},
+    {"CStr", Builtin::Text, ValueKind::String},
+    {"Abs", Builtin::Absolute, ValueKind::None},
 };
 
 const BuiltinInfo* FindBuiltin(const std::string& Upper) {
     for (const BuiltinInfo& Each : Builtins) {
-        if (Upper == Each.Upper) {
+        if (Upper == UpperCase(Each.Name)) {
             return &Each;
         }
     }
@@ -95,18 +95,8 @@ const BuiltinInfo* FindBuiltin(const std::string& Upper) {
 // The function that converts to a type, for messages.
 std::string ConversionName(ValueKind To) {
     for (const BuiltinInfo& Each : Builtins) {
-        if (Each.Kind == Builtin::Convert && Each.To == To) {
-            std::string Name = Each.Upper;
-            for (size_t I = 2; I < Name.size(); ++I) {
-                Name[I] = static_cast<char>(Name[I] - 'A' + 'a');
-            }
-            if (To == ValueKind::UnsignedInteger) {
-                return "CUInt";
-            }
-            if (To == ValueKind::UnsignedLong) {
-                return "CULng";
-            }
-            return Name;
+        if (Each.To == To) {
+            return Each.Name;
         }
     }
     return "CStr";
@@ -828,10 +818,7 @@ class Generator {
                 if (!IsNumeric(Argument)) {
                     Fail(E.Arguments[0]->At, 401, "Expected a number for Abs");
                 }
-                return Argument == ValueKind::Byte || Argument == ValueKind::UnsignedInteger ||
-                               Argument == ValueKind::UnsignedLong
-                           ? Argument
-                           : Argument;
+                return Argument;
             }
             return F.Builtin->To;
         }
@@ -1355,7 +1342,7 @@ class Generator {
         Code_.PatchU16(FrameOperand, static_cast<uint32_t>(FrameSize_));
         for (const auto& [Name, V] : Locals_) {
             (void)Name;
-            Locals_List_.push_back(V);
+            LocalVariables_.push_back(V);
         }
         Procedure_ = nullptr;
         Result_ = nullptr;
@@ -1874,7 +1861,7 @@ class Generator {
             }
             P_.Symbols.push_back(Entry);
         }
-        for (const Variable* V : Locals_List_) {
+        for (const Variable* V : LocalVariables_) {
             SymbolEntry Entry;
             Entry.Name = V->Name;
             Entry.Address = V->Address;
@@ -1953,7 +1940,7 @@ class Generator {
     std::vector<std::unique_ptr<Variable>> AllVariables_;
     std::vector<std::unique_ptr<Constant>> AllConstants_;
     std::vector<Variable*> Globals_;
-    std::vector<Variable*> Locals_List_;
+    std::vector<Variable*> LocalVariables_;
     std::map<std::string, uint32_t> Literals_;
     bool MainFound_ = false;
     int MainLabel_ = -1;
