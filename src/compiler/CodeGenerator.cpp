@@ -1340,10 +1340,6 @@ class Generator {
         }
         Code_.Op(RET);
         Code_.PatchU16(FrameOperand, static_cast<uint32_t>(FrameSize_));
-        for (const auto& [Name, V] : Locals_) {
-            (void)Name;
-            LocalVariables_.push_back(V);
-        }
         Procedure_ = nullptr;
         Result_ = nullptr;
     }
@@ -1359,6 +1355,7 @@ class Generator {
         V->Address = Allocate(V->TotalSize);
         Variable* Raw = V.get();
         Locals_[Each.Upper] = Raw;
+        LocalVariables_.push_back(Raw);
         AllVariables_.push_back(std::move(V));
         return Raw;
     }
