@@ -1525,12 +1525,15 @@ class Generator {
 
     void If(const Stmt& S) {
         const int Done = Code_.NewLabel();
-        for (const auto& [Test, Body] : S.Branches) {
+        for (size_t I = 0; I < S.Branches.size(); ++I) {
             const int Next = Code_.NewLabel();
-            Condition(*Test);
+            Condition(*S.Branches[I].first);
             Code_.Jump(JF, Next);
-            GenerateBlock(Body);
-            Code_.Jump(JMP, Done);
+            GenerateBlock(S.Branches[I].second);
+            // The last branch without an Else would jump to where it is.
+            if (!Options_.Optimize || S.HasElse || I + 1 < S.Branches.size()) {
+                Code_.Jump(JMP, Done);
+            }
             Code_.Place(Next);
         }
         if (S.HasElse) {
