@@ -63,7 +63,7 @@ struct ProcedureEntry {
     std::vector<bool> ByRef;
 };
 
-enum class Builtin : uint8_t { None, Convert, Text, Absolute };
+enum class Builtin : uint8_t { None, Convert, Text, Absolute, Root };
 
 struct BuiltinInfo {
     const char* Name;
@@ -81,6 +81,7 @@ constexpr BuiltinInfo Builtins[] = {
     {"CBool", Builtin::Convert, ValueKind::Boolean},
     {"CStr", Builtin::Text, ValueKind::String},
     {"Abs", Builtin::Absolute, ValueKind::None},
+    {"Sqr", Builtin::Root, ValueKind::Single},
 };
 
 const BuiltinInfo* FindBuiltin(const std::string& Upper) {
@@ -814,10 +815,14 @@ class Generator {
                      "Expected a number or a Boolean for " + E.Text + ", found " +
                          Article(Argument) + " value");
             }
-            if (F.Builtin->Kind == Builtin::Absolute) {
+            if (F.Builtin->Kind == Builtin::Absolute || F.Builtin->Kind == Builtin::Root) {
                 if (!IsNumeric(Argument)) {
-                    Fail(E.Arguments[0]->At, 401, "Expected a number for Abs");
+                    Fail(E.Arguments[0]->At, 401,
+                         std::string("Expected a number for ") + F.Builtin->Name + ", found " +
+                             Article(Argument) + " value");
                 }
+            }
+            if (F.Builtin->Kind == Builtin::Absolute) {
                 return Argument;
             }
             return F.Builtin->To;
@@ -1093,6 +1098,13 @@ class Generator {
         }
         if (B.Kind == Builtin::Convert) {
             EmitConverted(Argument, From, B.To);
+            return;
+        }
+        if (B.Kind == Builtin::Root) {
+            // A negative number has no root: the power is no number, an overflow.
+            EmitConverted(Argument, From, ValueKind::Single);
+            PushConstant(ConstantValue::OfSingle(0.5f));
+            Code_.Op(POW_F);
             return;
         }
         // Abs: negate a negative number; the unsigned types are their own.
