@@ -174,3 +174,89 @@ TEST_F(DiagnosticsTest, OptionsOutsideTheirRangeAreRefused) {
 }
 
 }  // namespace
+
+namespace {
+
+// One case per rule: the body of Main (after Option Explicit and a few
+// declarations) and the error number and line it gives.
+struct RuleCase {
+    const char* Body;
+    int Number;
+    const char* MessageStart;
+};
+
+class ErrorRuleTest : public CompilerFixture {};
+
+TEST_F(ErrorRuleTest, EachRuleHasItsNumberAndSaysWhatWasExpected) {
+    const std::vector<RuleCase> Cases = {
+        {"K = 5", 309, "Expected a variable before '=', found K, a constant"},
+        {"Dim For As Integer", 203, "Expected a variable's name, found the keyword 'For'"},
+        {"A(1, 2) = 3", 310, "A is an array of 1 dimension: expected 1 index"},
+        {"Dim S As String\r\nIf S Then Debug.Print 1", 401, "Expected a condition (a Boolean)"},
+        {"Dim S As String\r\nFor S = 1 To 2: Next", 314, "The variable of a For must be a number"},
+        {"Exit Function", 311, "Exit Function is inside a Sub: write Exit Sub"},
+        {"Dim N As Integer\r\nDim N As Long", 302, "The name N is already declared in Main"},
+        {"N", 303, "The name N is not declared"},
+        {"Dim N As Integer\r\nN", 313, "Expected a Sub to call, or '=' to assign to N"},
+        {"Dim N As Integer\r\nN = Helper()", 313, "Helper is a Sub and gives no value"},
+        {"Helper 1", 312, "Helper takes 0 arguments, found 1"},
+        {"Dim N As Integer\r\nN = \"1\"", 401, "Expected an Integer value here, found a String"},
+        {"Dim S As String\r\nS = 1", 401,
+         "Expected a String value here, found an Integer: turn a number into text with CStr"},
+        {"Debug.Print True < False", 404, "The operator < does not apply to Booleans"},
+        {"Debug.Print 1.5 And 2", 404, "The operator AND works on whole numbers and Booleans"},
+        {"Dim B As Boolean\r\nB = 1", 402, "Converting an Integer to a Boolean can lose data"},
+        {"Dim Q(3 To 1) As Byte", 308, "The array Q has its lower bound 3 above its upper bound 1"},
+        {"Dim N As Integer\r\nDim Q(N) As Byte", 308, "Expected a whole number from -32768"},
+        {"Debug.Print \"123456789012345678901\"", 406, "This text has 21 characters"},
+        {"Select Case 1\r\nCase Else\r\nCase 2\r\nEnd Select", 209,
+         "Case Else must be the last Case of a Select"},
+        {"Do While 1 < 2\r\nLoop Until 1 < 2", 208, "A Do loop has one condition"},
+        {"Dim I As Integer\r\nFor I = 1 To 2\r\nNext J", 207,
+         "Expected Next I to close the For of I, found Next J"},
+        {"Dim A(1 To 2, 1 To 2, 1 To 2) As Byte", 206, "An array has one or two dimensions"},
+        {"Debug.Print 99999999999", 103, "The number 99999999999 is too large"},
+        {"Debug.Print &H", 104, "Expected one to eight hexadecimal digits after &H"},
+        {"Debug.Print 12abc", 102, "The number 12 runs into a name"},
+    };
+    for (const RuleCase& Each : Cases) {
+        SCOPED_TRACE(Each.Body);
+        Build(
+            "Option Explicit\r\nConst K = 1\r\nDim A(1 To 3) As Integer\r\nSub Helper()\r\n"
+            "End Sub\r\nSub Main()\r\n" +
+            std::string(Each.Body) + "\r\nEnd Sub\r\n");
+        ASSERT_FALSE(Result.Success);
+        EXPECT_EQ(Result.Error.Number, Each.Number);
+        EXPECT_EQ(Result.Error.Message.substr(0, std::string(Each.MessageStart).size()),
+                  Each.MessageStart)
+            << Result.Error.Message;
+        EXPECT_GE(Result.Error.Line, 7);
+        EXPECT_LE(Result.Error.StartPosition, Result.Error.EndPosition);
+    }
+}
+
+TEST_F(ErrorRuleTest, ATextHoldsOnlyCharactersWithAByte) {
+    const CompileResult Compiled =
+        Compile({{"Main.bas",
+                  u"Option Explicit\r\nSub Main()\r\n    Debug.Print \"\u00e9\u0120\"\r\n"
+                  u"End Sub\r\n"}},
+                Library, Options);
+    ASSERT_FALSE(Compiled.Success);
+    EXPECT_EQ(Compiled.Error.Number, 106);
+    EXPECT_EQ(Compiled.Error.Column, 19);
+    EXPECT_EQ(Compiled.Error.Message,
+              "The character '\xC4\xA0' has no byte on the chip: a text holds characters 0 to 255 "
+              "only");
+}
+
+TEST_F(ErrorRuleTest, ModuleLevelStatementsAndMissingEndsAreNamed) {
+    Build("Option Explicit\r\nDebug.Print 1\r\n");
+    ASSERT_FALSE(Result.Success);
+    EXPECT_EQ(Result.Error.Number, 201);
+    EXPECT_EQ(Result.Error.Message.substr(0, 42), "Expected a declaration at module level (Op");
+    Build("Option Explicit\r\nSub Main()\r\n    Debug.Print 1\r\n");
+    ASSERT_FALSE(Result.Success);
+    EXPECT_EQ(Result.Error.Message, "Expected End Sub to close Main, found the end of the module");
+}
+
+}  // namespace
