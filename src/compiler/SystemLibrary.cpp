@@ -2,8 +2,8 @@
 // language's own words, each procedure naming the machine's call behind it:
 //
 //     Const kvOutputHigh As Byte = 1
-//     Sub PutPin(Pin As Byte, State As Byte) = PinSet
-//     Function GetPin(Pin As Byte) As Byte = PinRead
+//     Sub PutPin(Pin As Integer, State As Byte) = PinSet
+//     Function GetPin(Pin As Integer) As Byte = PinRead
 //
 // A `'` starts a comment. Parameters are always passed by value.
 #include "compiler/Compiler.h"

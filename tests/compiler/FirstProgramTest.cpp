@@ -34,8 +34,9 @@ TEST_F(FirstProgramTest, ASymbolFileWithAnUnknownCallIsRefused) {
 
 TEST_F(FirstProgramTest, ImageIsNeverAWholeNumberOfBlocks) {
     // Texts of every length move the image's end across a block boundary.
+    Options.StringSize = 64;
     for (int Length = 0; Length < 140; ++Length) {
-        Build("Sub Main()\r\nDebug.Print \"" + std::string(Length % 60, 'x') +
+        Build("Option Explicit\r\nSub Main()\r\nDebug.Print \"" + std::string(Length % 60, 'x') +
               "\"\r\nDebug.Print \"" + std::string(Length / 60 * 30, 'y') + "\"\r\nEnd Sub\r\n");
         ASSERT_TRUE(Result.Success) << Result.Error.Message;
         EXPECT_NE(Result.Image.size() % 128, 0u);
