@@ -375,7 +375,8 @@ TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsThe
     EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
 }
 
-const QByteArray HelloProgram = "Sub Main()\r\n    Debug.Print \"ready\"\r\nEnd Sub\r\n";
+const QByteArray HelloProgram =
+    "Option Explicit\r\nSub Main()\r\n    Debug.Print \"ready\"\r\nEnd Sub\r\n";
 
 // The log of a good "blink /c".
 QStringList GoodCompileLog(const QString& Work) {
@@ -418,7 +419,7 @@ TEST_F(BatchAcceptance, AnErrorFoundByTheRealComponentLeavesTheErrorBlock) {
     InstallBundledComponent();
     Touch(Work + QStringLiteral("/blink.kvp"), "blink.bas\r\nled.bas\r\n");
     Touch(Work + QStringLiteral("/blink.bas"), HelloProgram);
-    Touch(Work + QStringLiteral("/led.bas"), "Sub Led()\n    `\nEnd Sub\n");
+    Touch(Work + QStringLiteral("/led.bas"), "Option Explicit\nSub Led()\n    `\nEnd Sub\n");
     Run({QStringLiteral("blink"), QStringLiteral("/c")});
     const QStringList Lines = LogLines();
     ASSERT_EQ(Lines.size(), 10) << Lines.join(QLatin1Char('|')).toStdString();

@@ -14,13 +14,18 @@
 #include "frame/GlobalData.h"
 #include "kvcomp/BundledCompiler.h"
 #include "machine/BytecodeImage.h"
+#include "machine/BytecodeMachine.h"
+#include "machine/MachineBoard.h"
+#include "monitor/KvmFile.h"
+#include "monitor/WatchValues.h"
 #include "platform/ErrObject.h"
 #include "project/ProjectType.h"
 #include "support/QtPrinters.h"
 
 namespace {
 
-const QByteArray HelloProgram = "Sub Main()\r\n    Debug.Print \"ready\"\r\nEnd Sub\r\n";
+const QByteArray HelloProgram =
+    "Option Explicit\r\nSub Main()\r\n    Debug.Print \"ready\"\r\nEnd Sub\r\n";
 
 struct SimRun {
     int ExitCode = -1;
@@ -163,18 +168,97 @@ TEST_F(BundledComponentTest, TheImageRunsOnKavlinSimAndPrintsWhatTheProgramSays)
               0);
 }
 
+TEST_F(BundledComponentTest, TempGetsTheObjectFilesOfTheModules) {
+    MakeProject(QStringLiteral("blink"),
+                {{QStringLiteral("main"), HelloProgram},
+                 {QStringLiteral("led"), "Option Explicit\r\nSub Led()\r\nEnd Sub\r\n"}});
+    ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
+    const QStringList Objects =
+        QDir(Install + QStringLiteral("/Temp")).entryList(QDir::Files | QDir::NoDotAndDotDot);
+    EXPECT_EQ(Objects.size(), 2) << Objects.join(QLatin1Char(' ')).toStdString();
+    for (const QString& Object : Objects) {
+        EXPECT_GT(QFileInfo(Install + QStringLiteral("/Temp/") + Object).size(), 0)
+            << Object.toStdString();
+    }
+}
+
+TEST_F(BundledComponentTest, ATempDirectoryThatIsMissingIsMade) {
+    ASSERT_TRUE(QDir(Install + QStringLiteral("/Temp")).removeRecursively());
+    MakeProject(QStringLiteral("blink"), {{QStringLiteral("main"), HelloProgram}});
+    ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
+    EXPECT_FALSE(QDir(Install + QStringLiteral("/Temp")).isEmpty());
+}
+
+TEST_F(BundledComponentTest, TheSymbolMapNamesEveryVariableWhereTheProgramKeepsIt) {
+    MakeProject(QStringLiteral("blink"), {{QStringLiteral("main"),
+                                           "Option Explicit\r\n"
+                                           "Dim Count As Integer\r\n"
+                                           "Dim Total As Long\r\n"
+                                           "Dim Ready As Boolean\r\n"
+                                           "Dim Title As String\r\n"
+                                           "\r\n"
+                                           "Sub Main()\r\n"
+                                           "    Count = -12\r\n"
+                                           "    Total = 100000\r\n"
+                                           "    Ready = True\r\n"
+                                           "    Title = \"x\"\r\n"
+                                           "End Sub\r\n"}});
+    ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
+    // The watch window's reading of the map: the string is not offered.
+    const KvmFileContents Map = KvmFile::Read(Work + QStringLiteral("/blink.kvm"));
+    EXPECT_TRUE(Map.IsLoaded) << Map.ErrorText.toStdString();
+    QStringList Rows = Map.Rows;
+    Rows.sort();
+    EXPECT_EQ(Rows, (QStringList{QStringLiteral("Count.Integer"), QStringLiteral("Ready.Boolean"),
+                                 QStringLiteral("Total.Long")}));
+    for (const KvmEntry& Entry : Map.Entries) {
+        EXPECT_GE(Entry.Address, 207) << Entry.Name.toStdString();
+        EXPECT_LE(Entry.Address, 607) << Entry.Name.toStdString();
+    }
+
+    // The program run to its end on the machine; the watch window's values
+    // read from its RAM at the map's addresses.
+    const QByteArray Bytes = WorkFile(QStringLiteral("blink.kvb"));
+    const std::vector<uint8_t> Image(Bytes.begin(), Bytes.end());
+    std::vector<uint8_t> Ram(65536, 0);
+    std::vector<uint8_t> Eeprom(512, 0xFF);
+    MachineBoard Board;
+    BytecodeMachine Machine({Ram, Eeprom, Image}, Board, Board, 2);
+    ASSERT_TRUE(Machine.Start(0)) << Machine.RefusalReason();
+    EXPECT_EQ(Machine.RunUntil(1'000'000'000), BytecodeMachine::State::Ended)
+        << Machine.ErrorMessage();
+    QStringList Values =
+        WatchValues::WatchText(Map.Entries, Ram).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    Values.sort();
+    EXPECT_EQ(Values, (QStringList{QStringLiteral("Count: -12"), QStringLiteral("Ready: True"),
+                                   QStringLiteral("Total: 100000")}));
+}
+
+TEST_F(BundledComponentTest, WarningsComeOneALineWithTheirModuleLineAndColumn) {
+    MakeProject(QStringLiteral("blink"),
+                {{QStringLiteral("main"), HelloProgram},
+                 {QStringLiteral("led"),
+                  "Option Explicit\r\nDim Unused As Integer\r\nSub Led()\r\nEnd Sub\r\n"}});
+    ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(Host.Panels.value(3), QStringLiteral("Warnings"));
+    const QStringList Lines = Host.WarningDescription.split(QStringLiteral("\r\n"));
+    ASSERT_EQ(Lines.size(), 1) << Host.WarningDescription.toStdString();
+    EXPECT_TRUE(Lines[0].startsWith(QStringLiteral("led.bas(2,5): "))) << Lines[0].toStdString();
+    EXPECT_TRUE(Lines[0].contains(QStringLiteral("Unused"))) << Lines[0].toStdString();
+}
+
 // ---- Errors and their places --------------------------------------------------
 
-// A module whose third line holds a character that is no part of the
+// A module whose fourth line holds a character that is no part of the
 // language, with the given line end.
 QByteArray FaultyModule(const QByteArray& LineEnd) {
-    return "Sub Main()" + LineEnd + "    Debug.Print \"a\"" + LineEnd + "    `" + LineEnd +
-           "End Sub" + LineEnd;
+    return "Option Explicit" + LineEnd + "Sub Main()" + LineEnd + "    Debug.Print \"a\"" +
+           LineEnd + "    `" + LineEnd + "End Sub" + LineEnd;
 }
 
 // Where the fault stands, a line break counted as CR LF.
-const int32_t FaultStart =
-    static_cast<int32_t>(QByteArray("Sub Main()\r\n    Debug.Print \"a\"\r\n    ").size());
+const int32_t FaultStart = static_cast<int32_t>(
+    QByteArray("Option Explicit\r\nSub Main()\r\n    Debug.Print \"a\"\r\n    ").size());
 
 TEST_F(BundledComponentTest, AnErrorIsShownInItsModuleWithPositionsCountedWithCrLf) {
     for (const QByteArray& LineEnd : {QByteArray("\r\n"), QByteArray("\n")}) {
@@ -215,8 +299,9 @@ TEST_F(BundledComponentTest, AWindows1252ModuleIsReadAsTheProgramReadsIt) {
 
 TEST_F(BundledComponentTest, AWindows1252StringIsPrintedAsItsCharacters) {
     for (const QByteArray& Module :
-         {QByteArray("Sub Main()\r\n    Debug.Print \"caf\xE9\"\r\nEnd Sub\r\n"),
-          QByteArray("Sub Main()\r\n    Debug.Print \"caf\xC3\xA9\"\r\nEnd Sub\r\n")}) {
+         {QByteArray("Option Explicit\r\nSub Main()\r\n    Debug.Print \"caf\xE9\"\r\nEnd Sub\r\n"),
+          QByteArray(
+              "Option Explicit\r\nSub Main()\r\n    Debug.Print \"caf\xC3\xA9\"\r\nEnd Sub\r\n")}) {
         MakeProject(QStringLiteral("blink"), {{QStringLiteral("main"), Module}});
         ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
         const SimRun Run = RunOnSim(Work + QStringLiteral("/blink.kvb"));
@@ -331,11 +416,34 @@ TEST_F(BundledComponentTest, ASymbolFileThatCantBeReadIsAMissingLibrary) {
     EXPECT_FALSE(Ok);
 }
 
+TEST_F(BundledComponentTest, TheFamilyFlagPicksTheKv10OrTheKv20Library) {
+    // The KV-10 board has no LEDs: its library has no PutLed.
+    const QString Project = ProjectFile(QStringLiteral("p.kvp"), "main.bas\r\n");
+    WriteFile(QStringLiteral("work/main.bas"),
+              "Option Explicit\r\nSub Main()\r\n    PutLed 1, True\r\nEnd Sub\r\n");
+    ConfigureKv20(Component());
+    const CompilerComponent::CompileResult Kv20 = RunCompile(Project);
+    EXPECT_TRUE(Kv20.Success) << Kv20.ErrorDescription.toStdString();
+
+    bool Ok = false;
+    Component().SetCodeBoundaries(0, 8191, Ok);
+    Component().SetChipType(1);
+    Component().SetRamBoundaries(350, 600, Ok);
+    Component().SetLibraryPath(Install, Ok);
+    Component().SetChipFamilyFlag(false);
+    const CompilerComponent::CompileResult Kv10 = RunCompile(Project);
+    EXPECT_FALSE(Kv10.Success);
+    EXPECT_EQ(Kv10.ModuleNumber, 1);
+    EXPECT_EQ(Kv10.LineNumber, 3);
+    EXPECT_TRUE(Kv10.ErrorDescription.contains(QStringLiteral("PutLed")))
+        << Kv10.ErrorDescription.toStdString();
+}
+
 // ---- The project's files on disk ---------------------------------------------------
 
 TEST_F(BundledComponentTest, ModulesNamedWithBackslashesOrInFullAreFound) {
     WriteFile(QStringLiteral("work/sub/main.bas"), HelloProgram);
-    WriteFile(QStringLiteral("elsewhere/led.bas"), "Sub Led()\nEnd Sub\n");
+    WriteFile(QStringLiteral("elsewhere/led.bas"), "Option Explicit\nSub Led()\nEnd Sub\n");
     const QString Project = ProjectFile(
         QStringLiteral("p.kvp"),
         "sub\\main.bas\n" + (TempPath() + QStringLiteral("/elsewhere/led.bas")).toUtf8() + "\n");
