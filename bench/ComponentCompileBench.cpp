@@ -20,24 +20,59 @@ namespace {
 constexpr int ModuleCount = 10;
 constexpr int LinesPerModule = 1000;
 
-// One module of LinesPerModule lines: procedures of ten lines each, the first
-// module's first one Main.
+// One module of LinesPerModule lines, written as a program for the chip is:
+// a module variable, then functions of twenty lines (a local, arithmetic, a
+// decision, a counter, comments and blank lines) until the lines are used up; the first module
+// begins with Main, which calls into every module.
 QByteArray ModuleText(int Module) {
-    QByteArray Text;
-    int Lines = 0;
-    for (int Procedure = 0; Lines < LinesPerModule; ++Procedure) {
-        const QByteArray Name =
-            Module == 0 && Procedure == 0
-                ? QByteArray("Main")
-                : "M" + QByteArray::number(Module) + "P" + QByteArray::number(Procedure);
-        Text += "Sub " + Name + "()\r\n";
-        Text += "    ' The procedure's own line of output, and a few lines of comment\r\n";
-        Text += "    Debug.Print \"" + Name + "\"\r\n";
-        for (int Line = 0; Line < 6; ++Line) {
-            Text += "    ' " + QByteArray::number(Line) + " of the procedure's body\r\n";
+    const QByteArray M = QByteArray::number(Module);
+    QByteArray Text = "Option Explicit\r\n' Module " + M + " of the benchmark's project\r\n" +
+                      "Public Calls" + M + " As Integer\r\n\r\n";
+    int Lines = 4;
+    if (Module == 0) {
+        Text += "Sub Main()\r\n";
+        for (int Other = 0; Other < ModuleCount; ++Other) {
+            Text += "    Debug.Print M" + QByteArray::number(Other) + "F0(3)\r\n";
         }
         Text += "End Sub\r\n";
-        Lines += 10;
+        Lines += ModuleCount + 2;
+    }
+    for (int Function = 0; Lines + 20 <= LinesPerModule; ++Function) {
+        const QByteArray Name = "M" + M + "F" + QByteArray::number(Function);
+        Text += "' " + Name +
+                ": a step of the computation\r\n"
+                "' It scales X, keeps the result in range and counts the calls.\r\n"
+                "Function " +
+                Name +
+                "(ByVal X As Integer) As Integer\r\n"
+                "    Dim Y As Integer\r\n"
+                "\r\n"
+                "    ' Scale the input\r\n"
+                "    Y = X * 3 + " +
+                QByteArray::number(Function % 100) +
+                "\r\n"
+                "\r\n"
+                "    ' Keep it in range\r\n"
+                "    If Y > 1000 Then\r\n"
+                "        Y = Y - 1000\r\n"
+                "    End If\r\n"
+                "\r\n"
+                "    ' One more call\r\n"
+                "    Calls" +
+                M + " = Calls" + M +
+                " + 1\r\n"
+                "\r\n"
+                "    " +
+                Name +
+                " = Y\r\n"
+                "End Function\r\n"
+                "\r\n"
+                "\r\n";
+        Lines += 20;
+    }
+    while (Lines < LinesPerModule) {
+        Text += "' end of module " + M + "\r\n";
+        ++Lines;
     }
     return Text;
 }
@@ -99,6 +134,12 @@ struct Installation {
 };
 
 void CompileTenModulesOf1000Lines(benchmark::State& State) {
+    for (int Module = 0; Module < ModuleCount; ++Module) {
+        if (ModuleText(Module).count("\r\n") != LinesPerModule) {
+            State.SkipWithError("a module of the wrong length");
+            return;
+        }
+    }
     Installation Setup;
     if (!Setup.Compile()) {
         State.SkipWithError(("the compile failed: " + Setup.Failure.toStdString()).c_str());
