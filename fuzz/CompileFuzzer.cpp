@@ -1,11 +1,12 @@
 // Feeds arbitrary bytes to the compiler as the text of a module file, decoded
 // as the component decodes modules, and compiles it with the system library
 // of the KV-20 or the KV-10. It must end every time, never crash, report an
-// error where the text can hold one, and give images with the header the
-// options asked for.
+// error where the text can hold one, and write only images that the machine
+// accepts.
 //
 // The first byte picks the chip and the string size; the rest is the module.
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -97,11 +98,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size) {
         Require(!Result.Error.Message.empty());
         return 0;
     }
-    // A good compile's image has the header the options asked for, and the
-    // padding the chip link needs.
-    ImageHeader Header;
-    Require(ImageHeader::Read(Result.Image, Header));
-    Require(Header.ChipType == Options.ChipType && Header.StringSize == Options.StringSize);
-    Require(Result.Image.size() == BytecodeImage::PaddedLength(Header.Length));
+    // A good compile's image is one the machine runs on the chip it was made
+    // for, with the header the options asked for and the chip link's padding.
+    const BytecodeImage::CheckResult Check =
+        BytecodeImage::Check(Result.Image, BytecodeImage::ChipLimits{Options.ChipType});
+    if (!Check.Accepted) {
+        std::fprintf(stderr, "compile_fuzzer: the machine refuses the image: %s\n",
+                     Check.Reason.c_str());
+        std::abort();
+    }
+    Require(Check.Header.ChipType == Options.ChipType);
+    Require(Check.Header.StringSize == Options.StringSize);
+    Require(Result.Image.size() == BytecodeImage::PaddedLength(Check.Header.Length));
     return 0;
 }
