@@ -124,10 +124,16 @@ bool BundledCompiler::SetPersistentBoundaries(int32_t Low, int32_t High) {
 }
 
 BundledCompiler::Outcome BundledCompiler::RunCompile(const std::u16string& ProjectFilename) {
-    Outcome Result = Compile(LocalPath(ProjectFilename));
-    Settings = KavlinCompiler::CompileOptions();
-    Library.reset();
-    return Result;
+    // However the compile ends, even by an exception, the next one starts
+    // from the defaults.
+    struct UseUp {
+        BundledCompiler& Compiler;
+        ~UseUp() {
+            Compiler.Settings = KavlinCompiler::CompileOptions();
+            Compiler.Library.reset();
+        }
+    } Guard{*this};
+    return Compile(LocalPath(ProjectFilename));
 }
 
 BundledCompiler::Outcome BundledCompiler::Compile(const fs::path& ProjectFilename) {

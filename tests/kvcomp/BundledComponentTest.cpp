@@ -168,6 +168,38 @@ TEST_F(BundledComponentTest, TheImageRunsOnKavlinSimAndPrintsWhatTheProgramSays)
               0);
 }
 
+TEST_F(BundledComponentTest, AProgramOfTwoModulesComputesAndPrintsOnKavlinSim) {
+    MakeProject(QStringLiteral("squares"),
+                {{QStringLiteral("main"),
+                  "Option Explicit\r\n"
+                  "Sub Main()\r\n"
+                  "    Dim I As Integer, Total As Long\r\n"
+                  "    For I = 1 To 10\r\n"
+                  "        Total = Total + Square(I)\r\n"
+                  "    Next\r\n"
+                  "    Debug.Print \"sum of squares:\"; Total\r\n"
+                  "    Debug.Print Describe(Total)\r\n"
+                  "End Sub\r\n"},
+                 {QStringLiteral("maths"),
+                  "Option Explicit\n"
+                  "Public Function Square(ByVal N As Integer) As Long\n"
+                  "    Square = N * N\n"
+                  "End Function\n"
+                  "\n"
+                  "Public Function Describe(ByVal Value As Long) As String\n"
+                  "    Select Case Value\n"
+                  "        Case 385\n"
+                  "            Describe = \"right\"\n"
+                  "        Case Else\n"
+                  "            Describe = \"wrong\"\n"
+                  "    End Select\n"
+                  "End Function\n"}});
+    ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
+    const SimRun Run = RunOnSim(Work + QStringLiteral("/squares.kvb"));
+    EXPECT_EQ(Run.ExitCode, 0) << Run.Errors.toStdString();
+    EXPECT_EQ(Run.Output, QByteArray("sum of squares: 385\r\nright\r\n"));
+}
+
 TEST_F(BundledComponentTest, TempGetsTheObjectFilesOfTheModules) {
     MakeProject(QStringLiteral("blink"),
                 {{QStringLiteral("main"), HelloProgram},
