@@ -1352,6 +1352,15 @@ class Generator {
         }
         Code_.Op(RET);
         Code_.PatchU16(FrameOperand, static_cast<uint32_t>(FrameSize_));
+        // A frame that cannot fit even alone could never run.
+        const int64_t Needed = FrameSize_ + (Entry.Label == MainLabel_ ? 0 : 4);
+        const int64_t Left = static_cast<int64_t>(Options_.RamHigh) + 1 - P_.GlobalsEnd;
+        if (Needed > Left) {
+            Fail(Tree.At, 501,
+                 "Not enough RAM for the local variables of " + Tree.Name +
+                     ": a call of it needs " + std::to_string(Needed) + " bytes, but only " +
+                     std::to_string(Left) + " are left behind the module-level variables");
+        }
         Procedure_ = nullptr;
         Result_ = nullptr;
     }

@@ -72,6 +72,24 @@ TEST_F(ProgramTest, AKv20HoldsFourHundredAndOneBytesOfVariables) {
               "has 401 bytes of RAM for them (207 to 607)");
 }
 
+TEST_F(ProgramTest, LocalsThatCannotFitBehindTheModuleVariablesAreRefused) {
+    const std::string Declarations = "Option Explicit\r\nDim A(1 To 301) As Byte\r\n";
+    EXPECT_TRUE(Build(Declarations +
+                      "Sub Main()\r\n    Dim B(1 To 100) As Byte\r\n    B(1) = 1: A(1) = B(1)\r\n"
+                      "End Sub\r\n")
+                    .Success)
+        << Result.Error.Message;
+    Build(Declarations +
+          "Sub Fill()\r\n    Dim B(1 To 97) As Byte\r\n    B(1) = 1: A(1) = B(1)\r\nEnd Sub\r\n"
+          "Sub Main()\r\n    Fill\r\nEnd Sub\r\n");
+    ASSERT_FALSE(Result.Success);
+    EXPECT_EQ(Result.Error.Number, 501);
+    EXPECT_EQ(Result.Error.Line, 3);
+    EXPECT_EQ(Result.Error.Message,
+              "Not enough RAM for the local variables of Fill: a call of it needs 101 bytes, but "
+              "only 100 are left behind the module-level variables");
+}
+
 TEST_F(ProgramTest, AProgramLargerThanTheCodeMemoryIsRefused) {
     Options.CodeHigh = 99;
     Build(
