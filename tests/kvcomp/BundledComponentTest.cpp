@@ -293,8 +293,8 @@ const int32_t FaultStart = static_cast<int32_t>(
     QByteArray("Option Explicit\r\nSub Main()\r\n    Debug.Print \"a\"\r\n    ").size());
 
 TEST_F(BundledComponentTest, AnErrorIsShownInItsModuleWithPositionsCountedWithCrLf) {
-    for (const QByteArray& LineEnd : {QByteArray("\r\n"), QByteArray("\n")}) {
-        SCOPED_TRACE(LineEnd == "\n" ? "LF" : "CR LF");
+    for (const QByteArray& LineEnd : {QByteArray("\r\n"), QByteArray("\n"), QByteArray("\r")}) {
+        SCOPED_TRACE(LineEnd.toHex().toStdString());
         Host.Highlights.clear();
         MakeProject(QStringLiteral("blink"), {{QStringLiteral("main"), HelloProgram},
                                               {QStringLiteral("led"), FaultyModule(LineEnd)}});
@@ -310,6 +310,23 @@ TEST_F(BundledComponentTest, AnErrorIsShownInItsModuleWithPositionsCountedWithCr
             << Host.Highlights[0].toStdString();
         EXPECT_EQ(Host.Panels.value(3), QStringLiteral("Errors"));
         EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
+    }
+}
+
+TEST_F(BundledComponentTest, AnErrorGivesItsModuleLineAndColumnWhateverTheLineEnds) {
+    for (const QByteArray& LineEnd : {QByteArray("\r\n"), QByteArray("\n"), QByteArray("\r")}) {
+        SCOPED_TRACE(LineEnd.toHex().toStdString());
+        WriteFile(QStringLiteral("work/main.bas"), HelloProgram);
+        WriteFile(QStringLiteral("work/led.bas"), FaultyModule(LineEnd));
+        const QString Project =
+            ProjectFile(QStringLiteral("p.kvp"), "main.bas" + LineEnd + "led.bas" + LineEnd);
+        ConfigureKv20(Component());
+        const CompilerComponent::CompileResult Result = RunCompile(Project);
+        EXPECT_FALSE(Result.Success);
+        EXPECT_EQ((QList<int>{Result.ModuleNumber, Result.LineNumber, Result.ColumnNumber,
+                              Result.StartPosition, Result.EndPosition}),
+                  (QList<int>{2, 4, 5, FaultStart, FaultStart + 1}));
+        EXPECT_NE(Result.ErrorNumber, 0);
     }
 }
 
