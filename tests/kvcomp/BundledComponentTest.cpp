@@ -270,13 +270,17 @@ TEST_F(BundledComponentTest, WarningsComeOneALineWithTheirModuleLineAndColumn) {
     MakeProject(QStringLiteral("blink"),
                 {{QStringLiteral("main"), HelloProgram},
                  {QStringLiteral("led"),
-                  "Option Explicit\r\nDim Unused As Integer\r\nSub Led()\r\nEnd Sub\r\n"}});
+                  "Option Explicit\r\nDim Unused As Integer\r\nSub Led()\r\n"
+                  "    Dim Spare As Long\r\nEnd Sub\r\n"}});
     ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(Host.Panels.value(3), QStringLiteral("Warnings"));
-    const QStringList Lines = Host.WarningDescription.split(QStringLiteral("\r\n"));
-    ASSERT_EQ(Lines.size(), 1) << Host.WarningDescription.toStdString();
+    QStringList Lines = Host.WarningDescription.split(QStringLiteral("\r\n"));
+    ASSERT_EQ(Lines.size(), 2) << Host.WarningDescription.toStdString();
+    Lines.sort();
     EXPECT_TRUE(Lines[0].startsWith(QStringLiteral("led.bas(2,5): "))) << Lines[0].toStdString();
     EXPECT_TRUE(Lines[0].contains(QStringLiteral("Unused"))) << Lines[0].toStdString();
+    EXPECT_TRUE(Lines[1].startsWith(QStringLiteral("led.bas(4,9): "))) << Lines[1].toStdString();
+    EXPECT_TRUE(Lines[1].contains(QStringLiteral("Spare"))) << Lines[1].toStdString();
 }
 
 // ---- Errors and their places --------------------------------------------------
