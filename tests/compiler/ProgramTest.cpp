@@ -141,6 +141,16 @@ TEST_F(ProgramTest, TheKv10LibraryHasNoLeds) {
     EXPECT_EQ(Result.Symbols[0].Address, 350);
 }
 
+TEST_F(ProgramTest, DelayWaitsInSecondsOfChipTime) {
+    Build("Option Explicit\r\nDim Count As Integer\r\nPublic Sub Main()\r\n  Do\r\n"
+          "    Count = Count + 1\r\n    Call Delay(0.5)\r\n  Loop\r\nEnd Sub\r\n");
+    ASSERT_TRUE(Result.Success) << Result.Error.Message;
+    ASSERT_TRUE(Start());
+    RunFor(9.9);
+    EXPECT_EQ(Ram[207], 20);
+    EXPECT_EQ(Machine->CurrentState(), BytecodeMachine::State::Sleeping);
+}
+
 TEST_F(ProgramTest, ReadingTheSerialLineWaitsForTheUser) {
     Board.Type("hi");
     EXPECT_EQ(Run("Option Explicit\r\nSub Main()\r\n    Dim C As Byte\r\n"
