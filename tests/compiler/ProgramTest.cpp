@@ -64,12 +64,9 @@ TEST_F(ProgramTest, AKv20HoldsFourHundredAndOneBytesOfVariables) {
     Build(
         "Option Explicit\r\nDim A(1 To 401) As Byte\r\nDim B As Byte\r\nSub Main()\r\n"
         "    A(1) = B\r\nEnd Sub\r\n");
-    ASSERT_FALSE(Result.Success);
-    EXPECT_EQ(Result.Error.Number, 501);
-    EXPECT_EQ(Result.Error.Line, 3);
-    EXPECT_EQ(Result.Error.Message,
-              "Not enough RAM for B: the module-level variables need 402 bytes, but the chip "
-              "has 401 bytes of RAM for them (207 to 607)");
+    ExpectError(501, 3,
+                "Not enough RAM for B: the module-level variables need 402 bytes, but the chip "
+                "has 401 bytes of RAM for them (207 to 607)");
 }
 
 TEST_F(ProgramTest, LocalsThatCannotFitBehindTheModuleVariablesAreRefused) {
@@ -82,12 +79,9 @@ TEST_F(ProgramTest, LocalsThatCannotFitBehindTheModuleVariablesAreRefused) {
     Build(Declarations +
           "Sub Fill()\r\n    Dim B(1 To 97) As Byte\r\n    B(1) = 1: A(1) = B(1)\r\nEnd Sub\r\n"
           "Sub Main()\r\n    Fill\r\nEnd Sub\r\n");
-    ASSERT_FALSE(Result.Success);
-    EXPECT_EQ(Result.Error.Number, 501);
-    EXPECT_EQ(Result.Error.Line, 3);
-    EXPECT_EQ(Result.Error.Message,
-              "Not enough RAM for the local variables of Fill: a call of it needs 101 bytes, but "
-              "only 100 are left behind the module-level variables");
+    ExpectError(501, 3,
+                "Not enough RAM for the local variables of Fill: a call of it needs 101 bytes, "
+                "but only 100 are left behind the module-level variables");
 }
 
 TEST_F(ProgramTest, AProgramLargerThanTheCodeMemoryIsRefused) {
@@ -142,8 +136,9 @@ TEST_F(ProgramTest, TheKv10LibraryHasNoLeds) {
 }
 
 TEST_F(ProgramTest, DelayWaitsInSecondsOfChipTime) {
-    Build("Option Explicit\r\nDim Count As Integer\r\nPublic Sub Main()\r\n  Do\r\n"
-          "    Count = Count + 1\r\n    Call Delay(0.5)\r\n  Loop\r\nEnd Sub\r\n");
+    Build(
+        "Option Explicit\r\nDim Count As Integer\r\nPublic Sub Main()\r\n  Do\r\n"
+        "    Count = Count + 1\r\n    Call Delay(0.5)\r\n  Loop\r\nEnd Sub\r\n");
     ASSERT_TRUE(Result.Success) << Result.Error.Message;
     ASSERT_TRUE(Start());
     RunFor(9.9);
