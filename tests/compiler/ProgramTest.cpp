@@ -86,13 +86,22 @@ TEST_F(ProgramTest, LocalsThatCannotFitBehindTheModuleVariablesAreRefused) {
 
 TEST_F(ProgramTest, AProgramLargerThanTheCodeMemoryIsRefused) {
     Options.CodeHigh = 99;
-    Build(
+    const std::string Source =
         "Option Explicit\r\nSub Main()\r\n    Debug.Print \"a\"\r\n    Debug.Print \"b\"\r\n"
         "    Debug.Print \"c\"\r\n    Debug.Print \"d\"\r\n    Debug.Print \"e\"\r\n"
-        "    Debug.Print \"f\"\r\n    Debug.Print \"g\"\r\n    Debug.Print \"h\"\r\nEnd Sub\r\n");
+        "    Debug.Print \"f\"\r\n    Debug.Print \"g\"\r\n    Debug.Print \"h\"\r\nEnd Sub\r\n";
+    Build(Source);
     ASSERT_FALSE(Result.Success);
     EXPECT_EQ(Result.Error.Number, 502);
     EXPECT_EQ(Result.Error.ModuleIndex, -1);
+    EXPECT_EQ(Result.Error.Message,
+              "The program does not fit into the chip's code memory: it takes 108 bytes, but "
+              "there are 100; make it smaller, or turn the optimiser on");
+    Options.Optimize = true;
+    Build(Source);
+    EXPECT_EQ(Result.Error.Message,
+              "The program does not fit into the chip's code memory: it takes 108 bytes, but "
+              "there are 100; make it smaller");
 }
 
 TEST_F(ProgramTest, PersistentVariablesOutOfRoomAreRefused) {
