@@ -103,11 +103,12 @@ CompileResult CompileModules(const std::vector<SourceModule>& Modules,
     const size_t Length = ImageHeader::Size + Code.size() + Program.Data.size();
     const int64_t CodeRoom = static_cast<int64_t>(Options.CodeHigh) - Options.CodeLow + 1;
     if (static_cast<int64_t>(Length) > CodeRoom || Length > 65535) {
-        Result.Error =
-            Nowhere(502, "The program does not fit into the chip's code memory: it takes " +
-                             std::to_string(Length) + " bytes, but there are " +
-                             std::to_string(std::min<int64_t>(CodeRoom, 65535)) +
-                             "; make it smaller, or turn the optimiser on");
+        Result.Error = Nowhere(
+            502,
+            "The program does not fit into the chip's code memory: it takes " +
+                std::to_string(Length) + " bytes, but there are " +
+                std::to_string(std::min<int64_t>(CodeRoom, 65535)) + "; make it smaller" +
+                (Options.Optimize ? std::string() : std::string(", or turn the optimiser on")));
         return Result;
     }
     ImageHeader Header;

@@ -43,6 +43,13 @@ BytecodeMachine::State CompilerFixture::RunFor(double Seconds) {
     return Machine->RunUntil(Machine->Now() + static_cast<int64_t>(Seconds * 1e9));
 }
 
+void CompilerFixture::ExpectError(int Number, int Line, const std::string& Message) const {
+    ASSERT_FALSE(Result.Success);
+    EXPECT_EQ(Result.Error.Number, Number);
+    EXPECT_EQ(Result.Error.Line, Line);
+    EXPECT_EQ(Result.Error.Message, Message);
+}
+
 std::string CompilerFixture::Run(const std::string& Source, double Seconds) {
     Build(Source);
     if (!Result.Success) {

@@ -25,6 +25,8 @@ class CompilerFixture : public ::testing::Test {
     // Starts the last image on the machine; false if it refused it.
     bool Start();
     BytecodeMachine::State RunFor(double Seconds);
+    // The last compile failed with this error number, on this line, in these words.
+    void ExpectError(int Number, int Line, const std::string& Message) const;
 
     KavlinCompiler::CompileOptions Options;
     KavlinCompiler::LibraryDeclarations Library;

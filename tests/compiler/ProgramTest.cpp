@@ -64,12 +64,9 @@ TEST_F(ProgramTest, AKv20HoldsFourHundredAndOneBytesOfVariables) {
     Build(
         "Option Explicit\r\nDim A(1 To 401) As Byte\r\nDim B As Byte\r\nSub Main()\r\n"
         "    A(1) = B\r\nEnd Sub\r\n");
-    ASSERT_FALSE(Result.Success);
-    EXPECT_EQ(Result.Error.Number, 501);
-    EXPECT_EQ(Result.Error.Line, 3);
-    EXPECT_EQ(Result.Error.Message,
-              "Not enough RAM for B: the module-level variables need 402 bytes, but the chip "
-              "has 401 bytes of RAM for them (207 to 607)");
+    ExpectError(501, 3,
+                "Not enough RAM for B: the module-level variables need 402 bytes, but the chip "
+                "has 401 bytes of RAM for them (207 to 607)");
 }
 
 TEST_F(ProgramTest, LocalsThatCannotFitBehindTheModuleVariablesAreRefused) {
@@ -82,23 +79,29 @@ TEST_F(ProgramTest, LocalsThatCannotFitBehindTheModuleVariablesAreRefused) {
     Build(Declarations +
           "Sub Fill()\r\n    Dim B(1 To 97) As Byte\r\n    B(1) = 1: A(1) = B(1)\r\nEnd Sub\r\n"
           "Sub Main()\r\n    Fill\r\nEnd Sub\r\n");
-    ASSERT_FALSE(Result.Success);
-    EXPECT_EQ(Result.Error.Number, 501);
-    EXPECT_EQ(Result.Error.Line, 3);
-    EXPECT_EQ(Result.Error.Message,
-              "Not enough RAM for the local variables of Fill: a call of it needs 101 bytes, but "
-              "only 100 are left behind the module-level variables");
+    ExpectError(501, 3,
+                "Not enough RAM for the local variables of Fill: a call of it needs 101 bytes, "
+                "but only 100 are left behind the module-level variables");
 }
 
 TEST_F(ProgramTest, AProgramLargerThanTheCodeMemoryIsRefused) {
     Options.CodeHigh = 99;
-    Build(
+    const std::string Source =
         "Option Explicit\r\nSub Main()\r\n    Debug.Print \"a\"\r\n    Debug.Print \"b\"\r\n"
         "    Debug.Print \"c\"\r\n    Debug.Print \"d\"\r\n    Debug.Print \"e\"\r\n"
-        "    Debug.Print \"f\"\r\n    Debug.Print \"g\"\r\n    Debug.Print \"h\"\r\nEnd Sub\r\n");
+        "    Debug.Print \"f\"\r\n    Debug.Print \"g\"\r\n    Debug.Print \"h\"\r\nEnd Sub\r\n";
+    Build(Source);
     ASSERT_FALSE(Result.Success);
     EXPECT_EQ(Result.Error.Number, 502);
     EXPECT_EQ(Result.Error.ModuleIndex, -1);
+    EXPECT_EQ(Result.Error.Message,
+              "The program does not fit into the chip's code memory: it takes 108 bytes, but "
+              "there are 100; make it smaller, or turn the optimiser on");
+    Options.Optimize = true;
+    Build(Source);
+    EXPECT_EQ(Result.Error.Message,
+              "The program does not fit into the chip's code memory: it takes 108 bytes, but "
+              "there are 100; make it smaller");
 }
 
 TEST_F(ProgramTest, PersistentVariablesOutOfRoomAreRefused) {
@@ -139,6 +142,17 @@ TEST_F(ProgramTest, TheKv10LibraryHasNoLeds) {
             "    X = GetPin(10)\r\n    Debug.Print X\r\nEnd Sub\r\n"),
         " 1\r\n");
     EXPECT_EQ(Result.Symbols[0].Address, 350);
+}
+
+TEST_F(ProgramTest, DelayWaitsInSecondsOfChipTime) {
+    Build(
+        "Option Explicit\r\nDim Count As Integer\r\nPublic Sub Main()\r\n  Do\r\n"
+        "    Count = Count + 1\r\n    Call Delay(0.5)\r\n  Loop\r\nEnd Sub\r\n");
+    ASSERT_TRUE(Result.Success) << Result.Error.Message;
+    ASSERT_TRUE(Start());
+    RunFor(9.9);
+    EXPECT_EQ(Ram[207], 20);
+    EXPECT_EQ(Machine->CurrentState(), BytecodeMachine::State::Sleeping);
 }
 
 TEST_F(ProgramTest, ReadingTheSerialLineWaitsForTheUser) {

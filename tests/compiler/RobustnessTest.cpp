@@ -67,6 +67,7 @@ TEST_F(RobustnessTest, DamagedProgramsNeverCrashTheCompiler) {
     const std::string Alphabet = "()+-*/\\^&=<>,;.:\"' _\r\nAsDimIfThenEndSubForNextLoop0123456789";
     std::mt19937 Random(20261123);
     int Compiled = 0;
+    int Compared = 0;
     for (int Round = 0; Round < 3000; ++Round) {
         std::string Damaged = Program;
         const int Changes = 1 + static_cast<int>(Random() % 4);
@@ -84,21 +85,39 @@ TEST_F(RobustnessTest, DamagedProgramsNeverCrashTheCompiler) {
                     break;
             }
         }
-        Options.Optimize = Round % 2 == 1;
-        Build(Damaged);
-        if (!Result.Success) {
-            EXPECT_FALSE(Result.Error.Message.empty());
-            continue;
+        // Each program both ways: the optimiser must not change whether it
+        // compiles, nor what it prints when it runs to its end.
+        std::string Outputs[2];
+        bool Ended[2] = {false, false};
+        int Number[2] = {0, 0};
+        for (const bool Optimize : {false, true}) {
+            Options.Optimize = Optimize;
+            Build(Damaged);
+            Number[Optimize] = Result.Success ? 0 : Result.Error.Number;
+            if (!Result.Success) {
+                EXPECT_FALSE(Result.Error.Message.empty());
+                continue;
+            }
+            ++Compiled;
+            const auto Check = BytecodeImage::Check(Result.Image, {});
+            ASSERT_TRUE(Check.Accepted) << Check.Reason << "\n" << Damaged;
+            ASSERT_NE(Result.Image.size() % 128, 0u);
+            Board = MachineBoard();
+            InternalEeprom.assign(512, 0xFF);
+            ASSERT_TRUE(Start()) << Machine->RefusalReason();
+            const BytecodeMachine::State State = RunFor(0.05);
+            Ended[Optimize] =
+                State == BytecodeMachine::State::Ended || State == BytecodeMachine::State::Failed;
+            Outputs[Optimize] = Board.Output.substr(0, Board.Output.find("(code address"));
         }
-        ++Compiled;
-        const auto Check = BytecodeImage::Check(Result.Image, {});
-        ASSERT_TRUE(Check.Accepted) << Check.Reason << "\n" << Damaged;
-        ASSERT_NE(Result.Image.size() % 128, 0u);
-        Board = MachineBoard();
-        ASSERT_TRUE(Start()) << Machine->RefusalReason();
-        RunFor(0.01);
+        EXPECT_EQ(Number[0], Number[1]) << Damaged;
+        if (Ended[0] && Ended[1]) {
+            EXPECT_EQ(Outputs[0], Outputs[1]) << Damaged;
+            ++Compared;
+        }
     }
     EXPECT_GT(Compiled, 100);
+    EXPECT_GT(Compared, 50);
 }
 
 }  // namespace
