@@ -168,10 +168,13 @@ void RunSequence(bool& Success) {
 
 }  // namespace
 
+QStringList ComponentDirectories() {
+    return {DirectoryCentral::GetInstallPath(), DirectoryCentral::GetApplicationPath()};
+}
+
 CompilerComponent& Component() {
     if (!Held) {
-        Held = CompilerComponent::Load(
-            {DirectoryCentral::GetApplicationPath(), DirectoryCentral::GetInstallPath()});
+        Held = CompilerComponent::Load(ComponentDirectories());
     }
     return *Held;
 }

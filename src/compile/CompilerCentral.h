@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <functional>
 
 class CompilerComponent;
@@ -20,6 +21,11 @@ void RegisterWithFrame();
 
 // The watch window tells how it re-reads the symbol map after a good compile.
 void SetKvmFileHandler(std::function<void()> Handler);
+
+// Where the component is looked for, in order: the install directory, so
+// that a component put there replaces the bundled one, then the program's
+// own directory, where the bundled one is installed.
+QStringList ComponentDirectories();
 
 // The component, loaded at the first call. Raises run-time error 429 when it
 // cannot be made; the next call tries again.

@@ -22,6 +22,7 @@ QString GetApplicationPath() { return ApplicationPath; }
 QString GetInstallPath() { return InstallPath; }
 QString GetWorkPath() { return WorkPath; }
 void SetWorkPath(const QString& Path) { WorkPath = Path; }
+void SetApplicationPath(const QString& Path) { ApplicationPath = Path; }
 
 void SetCompilerVersionCheck(std::function<void(bool& Success)> Check) {
     CompilerVersionCheck = std::move(Check);

@@ -12,6 +12,9 @@ QString GetInstallPath();
 QString GetWorkPath();
 // Sets the work path, with no other effect.
 void SetWorkPath(const QString& Path);
+// Sets the program's directory, with no other effect: a test puts the
+// program somewhere else, with or without a component beside it.
+void SetApplicationPath(const QString& Path);
 
 void InitializeDirectories();
 void InitializeWorkPath();

@@ -1106,6 +1106,39 @@ BytecodeMachine::LibraryOutcome BytecodeMachine::Library(uint8_t Call, int64_t N
             Push(Value.Bytes[0]);
             return LibraryOutcome::Continue;
         }
+        case LibraryCalls::StringLeft:
+        case LibraryCalls::StringRight: {
+            if (!Need(1) || StringCount_ < 1) return Fault(RunTimeError::StackUnderflow);
+            const int32_t Count = static_cast<int32_t>(Pop());
+            if (Count < 0) return Fault(RunTimeError::InvalidArgument);
+            Text& Value = Strings_[StringCount_ - 1];
+            const uint8_t Kept = static_cast<uint8_t>(std::min<int32_t>(Count, Value.Length));
+            if (Call == LibraryCalls::StringRight) {
+                std::memmove(Value.Bytes.data(), Value.Bytes.data() + (Value.Length - Kept), Kept);
+            }
+            Value.Length = Kept;
+            return LibraryOutcome::Continue;
+        }
+        case LibraryCalls::StringMiddle: {
+            if (!Need(2) || StringCount_ < 1) return Fault(RunTimeError::StackUnderflow);
+            const int32_t Count = static_cast<int32_t>(Pop());
+            const int32_t Start = static_cast<int32_t>(Pop());
+            if (Count < 0 || Start < 1) return Fault(RunTimeError::InvalidArgument);
+            Text& Value = Strings_[StringCount_ - 1];
+            const int32_t From = std::min<int32_t>(Start - 1, Value.Length);
+            const int32_t Kept = std::min<int32_t>(Count, Value.Length - From);
+            std::memmove(Value.Bytes.data(), Value.Bytes.data() + From, static_cast<size_t>(Kept));
+            Value.Length = static_cast<uint8_t>(Kept);
+            return LibraryOutcome::Continue;
+        }
+        case LibraryCalls::StringToNumber: {
+            if (StringCount_ < 1) return Fault(RunTimeError::StackUnderflow);
+            if (!Room(1)) return Fault(RunTimeError::StackOverflow);
+            const Text& Value = Strings_[--StringCount_];
+            Push(FromSingle(NumberText::Read(std::string_view(
+                reinterpret_cast<const char*>(Value.Bytes.data()), Value.Length))));
+            return LibraryOutcome::Continue;
+        }
         default:
             return Fault(RunTimeError::InvalidArgument);
     }

@@ -24,6 +24,10 @@ constexpr std::array<std::string_view, Count + 1> Names = {
     "StringLength",
     "StringFromByte",
     "StringFirstByte",
+    "StringLeft",
+    "StringRight",
+    "StringMiddle",
+    "StringToNumber",
 };
 
 }  // namespace

@@ -26,9 +26,13 @@ enum Number : uint8_t {
     StringLength = 14,
     StringFromByte = 15,
     StringFirstByte = 16,
+    StringLeft = 17,
+    StringRight = 18,
+    StringMiddle = 19,
+    StringToNumber = 20,
 };
 
-inline constexpr int Count = 16;
+inline constexpr int Count = 20;
 
 bool IsKnown(uint8_t Call);
 // The assembler's name, as "PinSet"; empty for an unknown number.

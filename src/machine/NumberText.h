@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 // The text of a number as the machine's STR makes it, with no blank before or
 // behind it: whole numbers with all their digits and a "-" when negative; a
@@ -14,5 +15,9 @@ namespace NumberText {
 std::string Whole(int64_t Value);
 std::string Single(float Value);
 std::string Boolean(bool Value);
+// The number a text starts with, as the family's Val reads it: blanks, a sign,
+// digits with at most one point, an exponent (E and digits); 0 where the text
+// starts with none, the largest Single where it is too large for one.
+float Read(std::string_view Text);
 
 }  // namespace NumberText

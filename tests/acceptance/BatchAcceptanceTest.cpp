@@ -88,7 +88,7 @@ class BatchAcceptance : public ::testing::Test {
                            Root.filePath(QStringLiteral("record.txt")));
         Program.setProcessEnvironment(Environment);
         Program.setWorkingDirectory(Root.path());
-        Program.start(QStringLiteral(KAVLIN_PROGRAM), Arguments);
+        Program.start(ProgramFile, Arguments);
         EXPECT_TRUE(Program.waitForStarted(10000));
         const bool Finished = Program.waitForFinished(30000);
         EXPECT_TRUE(Finished) << "the batch did not end by itself";
@@ -131,6 +131,38 @@ class BatchAcceptance : public ::testing::Test {
         return Lines;
     }
 
+    // Put the real component and the system libraries into the install
+    // directory, in the test double's place.
+    void InstallBundledComponent() {
+        QFile::remove(Install + QStringLiteral("/libKvComp141.so"));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(KVCOMP_BUNDLED),
+                                Install + QStringLiteral("/libKvComp141.so")));
+        InstallSymbolFiles();
+    }
+    void InstallSymbolFiles() {
+        for (const QString& Library :
+             {QStringLiteral("BinKV10/SymbolKV10.sym"), QStringLiteral("BinKV20/SymbolKV20.sym")}) {
+            QFile::remove(Install + QLatin1Char('/') + Library);
+            ASSERT_TRUE(QFile::copy(QStringLiteral(KAVLIN_SYMBOL_FILES "/") + Library,
+                                    Install + QLatin1Char('/') + Library));
+        }
+    }
+    // kavlin-sim runs the image as a build script would; its exit code.
+    int RunOnSim(const QStringList& Arguments) {
+        QProcess Sim;
+        Sim.start(QStringLiteral(KAVLIN_SIM), Arguments);
+        EXPECT_TRUE(Sim.waitForStarted(10000));
+        Sim.closeWriteChannel();
+        EXPECT_TRUE(Sim.waitForFinished(60000));
+        SimOutput = Sim.readAllStandardOutput();
+        SimErrors = Sim.readAllStandardError();
+        return Sim.exitStatus() == QProcess::NormalExit ? Sim.exitCode() : -1;
+    }
+
+    // The program that runs: the one built, beside its bundled component.
+    QString ProgramFile = QStringLiteral(KAVLIN_PROGRAM);
+    QByteArray SimOutput;
+    QByteArray SimErrors;
     QMap<QString, QString> ExtraEnvironment;
     QTemporaryDir Root;
     QString Work;
@@ -323,6 +355,10 @@ TEST_F(BatchAcceptance, ACompileErrorLeavesTheErrorBlockAndNoDownload) {
 
 TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsTheError) {
     QFile::remove(Install + QStringLiteral("/libKvComp141.so"));
+    // A copy of the program with no component beside it.
+    ProgramFile = Root.filePath(QStringLiteral("bin/kavlin"));
+    ASSERT_TRUE(QDir().mkpath(Root.filePath(QStringLiteral("bin"))));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(KAVLIN_PROGRAM), ProgramFile));
     Run({QStringLiteral("blink"), QStringLiteral("/c")});
     EXPECT_TRUE(StandardError.contains(
         QStringLiteral("[Installation Error] Can't find compiler DLL:  libKvComp141.so")))
@@ -336,6 +372,61 @@ TEST_F(BatchAcceptance, AMissingComponentIsReportedAtStartUpAndTheCompileLogsThe
         Report.contains(QStringLiteral("Can't find compiler DLL:  libKvComp141.so\nNot found in ")))
         << Report.toStdString();
     EXPECT_EQ(Lines.last(), QStringLiteral("Done."));
+    EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
+}
+
+const QByteArray HelloProgram =
+    "Option Explicit\r\nSub Main()\r\n    Debug.Print \"ready\"\r\nEnd Sub\r\n";
+
+// The log of a good "blink /c".
+QStringList GoodCompileLog(const QString& Work) {
+    return {QStringLiteral("Command line:  blink /c"), QString(),
+            QStringLiteral("Compile:  ") + Work + QStringLiteral("/blink.kvp"),
+            QStringLiteral("Done.")};
+}
+
+TEST_F(BatchAcceptance, TheRealComponentInTheInstallDirectoryMakesAnImageThatKavlinSimRuns) {
+    InstallBundledComponent();
+    Touch(Work + QStringLiteral("/blink.bas"), HelloProgram);
+    EXPECT_EQ(Run({QStringLiteral("blink"), QStringLiteral("/c")}), 0);
+    EXPECT_EQ(LogLines(), GoodCompileLog(Work));
+    EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error")))
+        << StandardError.toStdString();
+    EXPECT_EQ(ComponentCalls(), QStringList()) << "the test double was not the one loaded";
+    EXPECT_EQ(RunOnSim({Work + QStringLiteral("/blink.kvb"), QStringLiteral("--seconds"),
+                        QStringLiteral("5"), QStringLiteral("--expect"), QStringLiteral("ready")}),
+              0)
+        << SimErrors.toStdString();
+    EXPECT_EQ(SimOutput, QByteArray("ready"));
+    EXPECT_TRUE(QFile::exists(Work + QStringLiteral("/blink.kvm")));
+}
+
+TEST_F(BatchAcceptance, WithoutAComponentInTheInstallDirectoryTheOneBesideTheProgramCompiles) {
+    QFile::remove(Install + QStringLiteral("/libKvComp141.so"));
+    InstallSymbolFiles();
+    Touch(Work + QStringLiteral("/blink.bas"), HelloProgram);
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    EXPECT_EQ(LogLines(), GoodCompileLog(Work));
+    EXPECT_FALSE(StandardError.contains(QStringLiteral("Installation Error")))
+        << StandardError.toStdString();
+    EXPECT_EQ(RunOnSim({Work + QStringLiteral("/blink.kvb"), QStringLiteral("--expect"),
+                        QStringLiteral("ready")}),
+              0)
+        << SimErrors.toStdString();
+}
+
+TEST_F(BatchAcceptance, AnErrorFoundByTheRealComponentLeavesTheErrorBlock) {
+    InstallBundledComponent();
+    Touch(Work + QStringLiteral("/blink.kvp"), "blink.bas\r\nled.bas\r\n");
+    Touch(Work + QStringLiteral("/blink.bas"), HelloProgram);
+    Touch(Work + QStringLiteral("/led.bas"), "Option Explicit\nSub Led()\n    `\nEnd Sub\n");
+    Run({QStringLiteral("blink"), QStringLiteral("/c")});
+    const QStringList Lines = LogLines();
+    ASSERT_EQ(Lines.size(), 10) << Lines.join(QLatin1Char('|')).toStdString();
+    EXPECT_EQ(Lines[4], QStringLiteral("Error in module ") + Work + QStringLiteral("/led.bas"));
+    EXPECT_TRUE(Lines[6].contains(QStringLiteral("'`'"))) << Lines[6].toStdString();
+    EXPECT_EQ(Lines[7], QStringLiteral("Column 5 :"));
+    EXPECT_EQ(Lines[9], QStringLiteral("Done."));
     EXPECT_FALSE(QFile::exists(Work + QStringLiteral("/blink.kvb")));
 }
 

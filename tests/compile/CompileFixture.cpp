@@ -26,6 +26,11 @@ void CompileFixture::SetUp() {
     SetSetting(QStringLiteral("Run_Dir"), Install);
     SetSetting(QStringLiteral("Work_Dir"), Work);
     DirectoryCentral::InitializeDirectories();
+    // The program's directory is one of the test's own, with no component
+    // beside the program unless a test puts one there.
+    Program = TempPath() + QStringLiteral("/bin");
+    ASSERT_TRUE(QDir().mkpath(Program));
+    DirectoryCentral::SetApplicationPath(Program);
     qputenv("KVCOMP_TEST_SCRIPT", (TempPath() + QStringLiteral("/script.txt")).toUtf8());
     qputenv("KVCOMP_TEST_RECORD", (TempPath() + QStringLiteral("/record.txt")).toUtf8());
     qunsetenv("KVCOMP_TEST_CREATE");

@@ -78,5 +78,7 @@ class CompileFixture : public FrameFixture {
 
     QString Install;
     QString Work;
+    // The program's directory, where the bundled component lies.
+    QString Program;
     RecordingCompilerHost Host;
 };

@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include "CompileFixture.h"
+#include "compile/CompilerCentral.h"
 #include "compile/CompilerComponent.h"
 #include "platform/ErrObject.h"
 #include "support/QtPrinters.h"
@@ -32,34 +33,49 @@ class CompilerComponentTest : public CompileFixture {
 };
 
 TEST_F(CompilerComponentTest, FindsTheComponentInTheInstallDirectoryAndMakesItsObject) {
-    const QString ProgramDirectory = MakeDirectory(QStringLiteral("bin"));
-    const ErrObject Failure = LoadFailure({ProgramDirectory, Install});
+    const ErrObject Failure = LoadFailure(CompilerCentral::ComponentDirectories());
     ASSERT_EQ(Failure.Number, 0) << Failure.Description.toStdString();
     EXPECT_EQ(Loaded->Filename(), Install + QStringLiteral("/libKvComp141.so"));
     EXPECT_EQ(Calls(), QStringList{QStringLiteral("KvCompCreate")});
 }
 
-TEST_F(CompilerComponentTest, TheProgramsDirectoryIsSearchedBeforeTheInstallDirectory) {
-    const QString ProgramDirectory = MakeDirectory(QStringLiteral("bin"));
-    ASSERT_TRUE(QFile::link(QStringLiteral(KVCOMP_WITHOUT_CREATE),
-                            ProgramDirectory + QStringLiteral("/libKvComp141.so")));
-    // The broken library beside the program wins over the good one installed.
-    const ErrObject Failure = LoadFailure({ProgramDirectory, Install});
+TEST_F(CompilerComponentTest, AComponentInTheInstallDirectoryTakesThePlaceOfTheBundledOne) {
+    ASSERT_TRUE(QFile::link(QStringLiteral(KVCOMP_MINIMAL_C),
+                            Program + QStringLiteral("/libKvComp141.so")));
+    const ErrObject Failure = LoadFailure(CompilerCentral::ComponentDirectories());
+    ASSERT_EQ(Failure.Number, 0) << Failure.Description.toStdString();
+    EXPECT_EQ(Loaded->Filename(), Install + QStringLiteral("/libKvComp141.so"));
+    EXPECT_EQ(Calls(), QStringList{QStringLiteral("KvCompCreate")});
+}
+
+TEST_F(CompilerComponentTest, WithoutOneInTheInstallDirectoryTheBundledComponentIsLoaded) {
+    QFile::remove(Install + QStringLiteral("/libKvComp141.so"));
+    ASSERT_TRUE(QFile::link(QStringLiteral(KVCOMP_MINIMAL_C),
+                            Program + QStringLiteral("/libKvComp141.so")));
+    const ErrObject Failure = LoadFailure(CompilerCentral::ComponentDirectories());
+    ASSERT_EQ(Failure.Number, 0) << Failure.Description.toStdString();
+    EXPECT_EQ(Loaded->Filename(), Program + QStringLiteral("/libKvComp141.so"));
+    EXPECT_EQ(Calls(), QStringList()) << "the test double was not the one loaded";
+}
+
+TEST_F(CompilerComponentTest, ABrokenComponentInTheInstallDirectoryIsRefusedNotPassedOver) {
+    InstallComponent(QStringLiteral(KVCOMP_WITHOUT_CREATE));
+    ASSERT_TRUE(QFile::link(QStringLiteral(KVCOMP_MINIMAL_C),
+                            Program + QStringLiteral("/libKvComp141.so")));
+    const ErrObject Failure = LoadFailure(CompilerCentral::ComponentDirectories());
     EXPECT_EQ(Failure.Number, 429);
-    EXPECT_TRUE(Failure.Description.startsWith(QStringLiteral("Can't find compiler DLL:  ") +
-                                               ProgramDirectory))
+    EXPECT_TRUE(
+        Failure.Description.startsWith(QStringLiteral("Can't find compiler DLL:  ") + Install))
         << Failure.Description.toStdString();
-    EXPECT_EQ(LoadFailure({Install, ProgramDirectory}).Number, 0);
 }
 
 TEST_F(CompilerComponentTest, AMissingComponentNamesTheFileAndWhereItWasLookedFor) {
-    const QString ProgramDirectory = MakeDirectory(QStringLiteral("bin"));
     QFile::remove(Install + QStringLiteral("/libKvComp141.so"));
-    const ErrObject Failure = LoadFailure({ProgramDirectory, Install});
+    const ErrObject Failure = LoadFailure(CompilerCentral::ComponentDirectories());
     EXPECT_EQ(Failure.Number, 429);
     EXPECT_EQ(Failure.Description, QStringLiteral("Can't find compiler DLL:  libKvComp141.so\n"
                                                   "Not found in ") +
-                                       ProgramDirectory + QStringLiteral(" nor in ") + Install +
+                                       Install + QStringLiteral(" nor in ") + Program +
                                        QStringLiteral("."));
 }
 

@@ -1,5 +1,7 @@
 // Strings: literals, variables of the program's string size, joining,
 // comparing and the library's string helpers.
+#include <bit>
+
 #include "MachineFixture.h"
 
 namespace {
@@ -136,6 +138,72 @@ TEST_F(StringTest, AStoredLengthAboveTheStringSizeIsCut) {
     )",
                           ".stringsize 4\n.persistent Saved 5")),
               "4");
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(StringTest, LeftRightAndMiddleCutAText) {
+    EXPECT_EQ(Run(Program(R"(
+        pushs "abcdef"
+        pushb 2
+        sys StringLeft
+        sys PrintString
+        pushs "abcdef"
+        pushb 9
+        sys StringLeft
+        sys PrintString
+        pushs "abcdef"
+        pushb 3
+        sys StringRight
+        sys PrintString
+        pushs "abcdef"
+        pushb 2
+        pushb 3
+        sys StringMiddle
+        sys PrintString
+        pushs "abcdef"
+        pushb 5
+        pushb 9
+        sys StringMiddle
+        sys PrintString
+        pushs "abc"
+        pushb 7
+        pushb 1
+        sys StringMiddle
+        sys StringLength
+        pushs "abc"
+        pushb 0
+        sys StringRight
+        sys StringLength
+    )")),
+              "ababcdefdefbcdef");
+    EXPECT_EQ(Stack(), (std::vector<int64_t>{0, 0}));
+}
+
+TEST_F(StringTest, ANegativeCountOrAStartBelowOneIsRefused) {
+    ASSERT_TRUE(Load(Program("pushs \"abc\"\npushi -1\nsys StringLeft")));
+    ExpectError(RunTimeError::InvalidArgument);
+    ASSERT_TRUE(Load(Program("pushs \"abc\"\npushb 0\npushb 1\nsys StringMiddle")));
+    ExpectError(RunTimeError::InvalidArgument);
+}
+
+TEST_F(StringTest, StringToNumberReadsTheNumberATextStartsWith) {
+    const std::vector<std::pair<const char*, float>> Cases = {
+        {"42", 42.0f},    {"  -3.5kg", -3.5f},
+        {"+.25", 0.25f},  {"1E3", 1000.0f},
+        {"2e-2x", 0.02f}, {"7E", 7.0f},
+        {"abc", 0.0f},    {"", 0.0f},
+        {"-", 0.0f},      {"1e99", 3.4028234663852886e38f},
+    };
+    for (const auto& [Text, Value] : Cases) {
+        SCOPED_TRACE(Text);
+        ASSERT_TRUE(Load(Program(std::string("pushs \"") + Text + "\"\nsys StringToNumber")));
+        EXPECT_EQ(RunFor(), BytecodeMachine::State::Ended);
+        ASSERT_EQ(Machine->Values().size(), 1u);
+        EXPECT_EQ(std::bit_cast<float>(Machine->Values()[0]), Value);
+    }
 }
 
 }  // namespace
