@@ -9,6 +9,8 @@
 #include <QVBoxLayout>
 #include <cstdio>
 
+#include "chip/frmChipDialogKV30.h"
+#include "chip/frmProcessorOptions.h"
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
 #include "editor/frmEditBoxType.h"
@@ -174,13 +176,16 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
     connect(mnuCompileStatus, &QAction::triggered, this, &frmSourceEditor::mnuCompileStatus_Click);
     connect(mnuWatchWindow, &QAction::triggered, this, &frmSourceEditor::mnuWatchWindow_Click);
+    connect(mnuChipDialog, &QAction::triggered, this, &frmSourceEditor::mnuChipDialog_Click);
+    connect(mnuProcessorOptions, &QAction::triggered, this,
+            &frmSourceEditor::mnuProcessorOptions_Click);
     connect(mnuWindowCascade, &QAction::triggered, mdiArea, &QMdiArea::cascadeSubWindows);
     connect(mnuWindowTileHorizontal, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::TopToBottom); });
     connect(mnuWindowTileVertical, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::SideBySide); });
     connect(mnuAbout, &QAction::triggered, this, &frmSourceEditor::mnuAbout_Click);
-    // Not yet: the options, chip and project files dialogs come with their own parts.
+    // Not yet: the environment options and project files dialogs come with their own parts.
 }
 
 void frmSourceEditor::BuildToolBar() {
@@ -843,9 +848,34 @@ void frmSourceEditor::ShowStatusPanel(int Panel, const QString& Text) {
     }
 }
 
-void frmSourceEditor::mnuChipDialog_Click() {
-    // Not yet: the chip dialogs come with their own part; the preference file is left as it is.
+namespace {
+// A dialog of this window, modal, unloaded when it closes.
+template <class Dialog>
+void ShowOwnedDialog(QWidget* Owner) {
+    Dialog& Window = Global<Dialog>::Get();
+    Window.setParent(Owner, Window.windowFlags());
+    Window.exec();
+    Global<Dialog>::Unload();
 }
+}  // namespace
+
+void frmSourceEditor::mnuChipDialog_Click() {
+    // The chip dialogs work on the file itself: the mirror goes there first,
+    // with the chip model in use, and takes back what the dialog wrote.
+    PRFfileType& Preferences = Project().PRFfile();
+    Preferences.ChangeProcessor(GlobalData::ChipType);
+    Preferences.WriteFile();
+    switch (GlobalData::ChipType) {
+        case 3:
+            ShowOwnedDialog<frmChipDialogKV30>(this);
+            break;
+        default:
+            break;
+    }
+    Preferences.ReadExistingFile();
+}
+
+void frmSourceEditor::mnuProcessorOptions_Click() { ShowOwnedDialog<frmProcessorOptions>(this); }
 
 void frmSourceEditor::mnuAbout_Click() {
     Global<frmAbout>::Get().exec();
@@ -871,8 +901,10 @@ void frmSourceEditor::barEditorToolbar_ButtonClick(const QString& Key) {
         mnuCompileAndRun_Click();
     } else if (Key == QStringLiteral("Find")) {
         mnuFindFirst_Click();
-    } else if (Key == QStringLiteral("ChipDialog") || Key == QStringLiteral("ProjectFiles")) {
-        // Not yet: the chip and project files dialogs come with their parts.
+    } else if (Key == QStringLiteral("ChipDialog")) {
+        mnuChipDialog_Click();
+    } else if (Key == QStringLiteral("ProjectFiles")) {
+        // Not yet: the project files dialog comes with its part.
     } else {
         ErrorDisplay::ProbeError(
             QStringLiteral("Error1 in frmSourceEditor.barEditorToolbar_ButtonClick"));

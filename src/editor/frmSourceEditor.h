@@ -144,6 +144,7 @@ class frmSourceEditor : public QMainWindow,
     void mnuCompileStatus_Click();
     void mnuWatchWindow_Click();
     void mnuAbout_Click();
+    void mnuProcessorOptions_Click();
     void barEditorToolbar_ButtonClick(const QString& Key);
     void tabEditTabStrip_Click(int Index);
 

@@ -3,9 +3,13 @@
 #include <QApplication>
 #include <QImage>
 
+#include "chip/frmChipDialogKV30.h"
+#include "chip/frmProcessorOptions.h"
 #include "editor/frmSearchAndReplace.h"
 #include "link/frmDownloadPortParallel.h"
 #include "link/frmDownloadPortSerial.h"
+#include "link/frmTestProbe.h"
+#include "monitor/frmDiagnosticATN.h"
 #include "platform/Global.h"
 
 namespace {
@@ -28,6 +32,10 @@ std::vector<DialogGalleryEntry> DialogGallery() {
         GlobalForm<frmSearchAndReplace>(QStringLiteral("frmSearchAndReplace")),
         GlobalForm<frmDownloadPortSerial>(QStringLiteral("frmDownloadPortSerial")),
         GlobalForm<frmDownloadPortParallel>(QStringLiteral("frmDownloadPortParallel")),
+        GlobalForm<frmChipDialogKV30>(QStringLiteral("frmChipDialogKV30")),
+        GlobalForm<frmProcessorOptions>(QStringLiteral("frmProcessorOptions")),
+        GlobalForm<frmDiagnosticATN>(QStringLiteral("frmDiagnosticATN")),
+        GlobalForm<frmTestProbe>(QStringLiteral("frmTestProbe")),
     };
 }
 

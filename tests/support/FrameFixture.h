@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include "platform/SettingsStore.h"
@@ -34,4 +35,6 @@ class FrameFixture : public ::testing::Test {
     ScriptedMessageBoxService* Boxes = nullptr;
     VirtualClockService* Clock = nullptr;
     QString SavedCurrentDirectory;
+    // The internal reports ("Error_1 in ...") made during the test.
+    QStringList ProbeErrors;
 };
