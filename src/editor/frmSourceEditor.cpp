@@ -9,6 +9,8 @@
 #include <QVBoxLayout>
 #include <cstdio>
 
+#include "chip/frmChipDialogKV10.h"
+#include "chip/frmChipDialogKV20.h"
 #include "chip/frmChipDialogKV30.h"
 #include "chip/frmProcessorOptions.h"
 #include "compile/CompilerCentral.h"
@@ -866,10 +868,19 @@ void frmSourceEditor::mnuChipDialog_Click() {
     Preferences.ChangeProcessor(GlobalData::ChipType);
     Preferences.WriteFile();
     switch (GlobalData::ChipType) {
+        case 1:
+            ShowOwnedDialog<frmChipDialogKV10>(this);
+            break;
+        case 2:
+            ShowOwnedDialog<frmChipDialogKV20>(this);
+            break;
         case 3:
             ShowOwnedDialog<frmChipDialogKV30>(this);
             break;
         default:
+            ShowOwnedDialog<frmChipDialogKV20>(this);
+            ErrorDisplay::ProbeError(
+                QStringLiteral("Error_1 in frmSourceEditor.mnuChipDialog_Click"));
             break;
     }
     Preferences.ReadExistingFile();

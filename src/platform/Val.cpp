@@ -113,3 +113,48 @@ int32_t ValToLong(const QString& Text) {
     }
     return static_cast<int32_t>(Value);
 }
+
+bool TextToLong(const QString& Text, int32_t& Value) {
+    const QString Trimmed = Text.trimmed();
+    qsizetype Pos = 0;
+    const qsizetype Size = Trimmed.size();
+    bool Negative = false;
+    if (Pos < Size && (Trimmed[Pos] == QLatin1Char('+') || Trimmed[Pos] == QLatin1Char('-'))) {
+        Negative = Trimmed[Pos++] == QLatin1Char('-');
+    }
+    const auto IsDigitAt = [&](qsizetype At) {
+        return At < Size && Trimmed[At] >= QLatin1Char('0') && Trimmed[At] <= QLatin1Char('9');
+    };
+    QString Digits;
+    while (IsDigitAt(Pos)) {
+        Digits.append(Trimmed[Pos++]);
+        // A comma stands only between two digits.
+        if (Pos + 1 < Size && Trimmed[Pos] == QLatin1Char(',') && IsDigitAt(Pos + 1)) {
+            ++Pos;
+        }
+    }
+    QString Fraction;
+    if (Pos < Size && Trimmed[Pos] == QLatin1Char('.')) {
+        ++Pos;
+        while (IsDigitAt(Pos)) {
+            Fraction.append(Trimmed[Pos++]);
+        }
+    }
+    if (Pos != Size || (Digits.isEmpty() && Fraction.isEmpty())) {
+        return false;
+    }
+    bool Converted = true;
+    const QString Number = (Digits.isEmpty() ? QStringLiteral("0") : Digits) +
+                           (Fraction.isEmpty() ? QString() : QStringLiteral(".") + Fraction);
+    double Magnitude = Number.toDouble(&Converted);
+    if (!Converted) {
+        return false;
+    }
+    const double Rounded = std::nearbyint(Negative ? -Magnitude : Magnitude);
+    if (Rounded < std::numeric_limits<int32_t>::min() ||
+        Rounded > std::numeric_limits<int32_t>::max()) {
+        return false;
+    }
+    Value = static_cast<int32_t>(Rounded);
+    return true;
+}

@@ -14,3 +14,10 @@ double Val(const QString& Text);
 // Val rounded half to even into a 32-bit number; values beyond its range are
 // held at its ends instead of failing.
 int32_t ValToLong(const QString& Text);
+
+// A text converted to a 32-bit number the strict way, as a value typed into
+// a box is stored: blanks around it, a sign, decimal digits with commas
+// between digit groups ("460,800"), a fraction rounded half to even. Anything
+// else, an empty text or a number beyond the range gives False and leaves
+// Value as it was.
+bool TextToLong(const QString& Text, int32_t& Value);

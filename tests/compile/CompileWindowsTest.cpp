@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QMdiSubWindow>
+#include <QRadioButton>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -172,6 +174,52 @@ TEST_F(CompileWindowsTest,
     EXPECT_EQ(Person.Seen.size(), 1);
     EXPECT_EQ(CompileCalls().filter(QStringLiteral("SetChipType(3)")).size(), 1);
     EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")).size(), 1);
+}
+
+TEST_F(CompileWindowsTest, ChangingFromKv10ToKv20StopsTheNextCompileAndOpensTheKv20Dialog) {
+    GlobalData::ChipType = 1;
+    OpenBlink();
+    ASSERT_EQ(Project().PRFfile().Processor(), 1);
+    ModalDialogWatcher Person([](QWidget& Dialog) {
+        if (Dialog.objectName() == QStringLiteral("frmProcessorOptions")) {
+            QTest::mouseClick(Dialog.findChild<QRadioButton*>(QStringLiteral("optKV20")),
+                              Qt::LeftButton);
+            QTest::mouseClick(Dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")),
+                              Qt::LeftButton);
+        } else {
+            QTest::keyClick(&Dialog, Qt::Key_Escape);
+        }
+    });
+    Editor->mnuProcessorOptions->trigger();
+    ASSERT_EQ(GlobalData::ChipType, 2);
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxTexts(),
+              QStringList{QStringLiteral("Chip Preferences|Chip preferences have not been set")});
+    EXPECT_EQ(Person.Seen, (QStringList{QStringLiteral("frmProcessorOptions"),
+                                        QStringLiteral("frmChipDialogKV20")}));
+    EXPECT_EQ(CompileCalls(), QStringList());
+}
+
+TEST_F(CompileWindowsTest, AKv10WithoutEepromSizeShowsTheErrorThenTheKv10Dialog) {
+    GlobalData::ChipType = 1;
+    OpenBlink();
+    Project().PRFfile().SpiSize = 0;
+    QStringList BoxesBeforeTheDialog;
+    int32_t SizeShown = -1;
+    ModalDialogWatcher Person([&](QWidget& Dialog) {
+        BoxesBeforeTheDialog = BoxTexts();
+        if (auto* Size = Dialog.findChild<QLineEdit*>(QStringLiteral("txtSpiSize"))) {
+            SizeShown = Size->text().toInt();
+        }
+        QTest::keyClick(&Dialog, Qt::Key_Escape);
+    });
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxesBeforeTheDialog,
+              QStringList{QStringLiteral(
+                  "EEPROM Memory Size Error|Error -- EEPROM memory size is zero or negative")});
+    EXPECT_EQ(Person.Seen, QStringList{QStringLiteral("frmChipDialogKV10")});
+    EXPECT_EQ(SizeShown, 0) << "the dialog shows the size the compile refused";
+    EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")), QStringList());
 }
 
 TEST_F(CompileWindowsTest, InABatchPreferencesOfAnotherChipAreLoggedAndNoDialogOpens) {

@@ -1,3 +1,4 @@
+#include <QCheckBox>
 #include <QFile>
 #include <QTest>
 #include <QtEndian>
@@ -94,6 +95,42 @@ TEST_F(SourceEditorChipTest, TheToolBarsChipButtonOpensTheDialogAndCancelStillEn
     EXPECT_EQ(RecordValue(613), 3);
     EXPECT_EQ(Project().PRFfile().Processor(), 3);
     EXPECT_EQ(Project().PRFfile().GetPinState(1), kvInputTristate) << "Cancel wrote no pin";
+}
+
+TEST_F(SourceEditorChipTest, EachChipModelOpensItsOwnDialogOwnedByTheEditor) {
+    const QList<QPair<int, QString>> Models = {{1, QStringLiteral("frmChipDialogKV10")},
+                                               {2, QStringLiteral("frmChipDialogKV20")},
+                                               {3, QStringLiteral("frmChipDialogKV30")}};
+    for (const auto& [Chip, Dialog] : Models) {
+        GlobalData::ChipType = Chip;
+        bool Owned = false;
+        ModalDialogWatcher Person([&](QWidget& Shown) {
+            Owned = Shown.parentWidget() == Editor;
+            QTest::keyClick(&Shown, Qt::Key_Escape);
+        });
+        Editor->mnuChipDialog->trigger();
+        EXPECT_EQ(Person.Seen, QStringList{Dialog});
+        EXPECT_TRUE(Owned) << Chip;
+        EXPECT_EQ(RecordValue(613), Chip);
+    }
+    EXPECT_EQ(ProbeErrors, QStringList());
+}
+
+TEST_F(SourceEditorChipTest, TheChipDialogWithChipType9InMemoryOpensTheKv20DialogWithItsReport) {
+    GlobalData::ChipType = 9;
+    ModalDialogWatcher Person([&](QWidget& Shown) {
+        // Row 5 to "0", saved: the KV-20 dialog writes its own records.
+        auto* Low = Shown.findChild<QCheckBox*>(QStringLiteral("frmKV20pin5_3"));
+        ASSERT_NE(Low, nullptr);
+        QTest::mouseClick(Low, Qt::LeftButton, {}, QPoint(6, Low->height() / 2));
+        Click(Shown, QStringLiteral("cmdOK"));
+    });
+    Editor->mnuChipDialog->trigger();
+    EXPECT_EQ(Person.Seen, QStringList{QStringLiteral("frmChipDialogKV20")});
+    EXPECT_EQ(ProbeErrors,
+              QStringList{QStringLiteral("Error_1 in frmSourceEditor.mnuChipDialog_Click")});
+    EXPECT_EQ(Project().PRFfile().GetPinState(5), kvOutputLow);
+    EXPECT_EQ(RecordValue(613), 2) << "the KV-20 dialog's own mark of its model";
 }
 
 TEST_F(SourceEditorChipTest, TheProcessorMenuShowsTheDialogOwnedByTheEditor) {

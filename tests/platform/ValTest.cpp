@@ -110,4 +110,40 @@ INSTANTIATE_TEST_SUITE_P(Forms, ValToLongReadsText,
                                            LongCase{"", 0}, LongCase{"12abc", 12},
                                            LongCase{" 1 9 2 0 0", 19200}));
 
+struct StrictCase {
+    const char* Text;
+    bool Converts;
+    int32_t Expected;
+};
+
+std::ostream& operator<<(std::ostream& Stream, const StrictCase& Case) {
+    return Stream << '"' << Case.Text << "\" -> " << Case.Converts << ' ' << Case.Expected;
+}
+
+class TextToLongConverts : public ::testing::TestWithParam<StrictCase> {};
+
+TEST_P(TextToLongConverts, GivesTheNumberOrLeavesTheValue) {
+    const StrictCase& Case = GetParam();
+    int32_t Value = -777;
+    EXPECT_EQ(TextToLong(QString::fromUtf8(Case.Text), Value), Case.Converts) << Case.Text;
+    EXPECT_EQ(Value, Case.Converts ? Case.Expected : -777) << Case.Text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Numbers, TextToLongConverts,
+    ::testing::Values(StrictCase{"460800", true, 460800}, StrictCase{"460,800", true, 460800},
+                      StrictCase{"1,234,567", true, 1234567}, StrictCase{" 254 ", true, 254},
+                      StrictCase{"-5", true, -5}, StrictCase{"+7", true, 7},
+                      StrictCase{"2.5", true, 2}, StrictCase{"3.5", true, 4},
+                      StrictCase{".5", true, 0}, StrictCase{"70000", true, 70000},
+                      StrictCase{"2147483647", true, 2147483647}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, TextToLongConverts,
+    ::testing::Values(StrictCase{"", false, 0}, StrictCase{"  ", false, 0},
+                      StrictCase{"abc", false, 0}, StrictCase{"12abc", false, 0},
+                      StrictCase{",460", false, 0}, StrictCase{"460,", false, 0},
+                      StrictCase{"4,,600", false, 0}, StrictCase{"-", false, 0},
+                      StrictCase{"2147483648", false, 0}, StrictCase{"1 2", false, 0}));
+
 }  // namespace

@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QImage>
 
+#include "chip/frmChipDialogKV10.h"
+#include "chip/frmChipDialogKV20.h"
 #include "chip/frmChipDialogKV30.h"
 #include "chip/frmProcessorOptions.h"
 #include "editor/frmSearchAndReplace.h"
@@ -32,6 +34,8 @@ std::vector<DialogGalleryEntry> DialogGallery() {
         GlobalForm<frmSearchAndReplace>(QStringLiteral("frmSearchAndReplace")),
         GlobalForm<frmDownloadPortSerial>(QStringLiteral("frmDownloadPortSerial")),
         GlobalForm<frmDownloadPortParallel>(QStringLiteral("frmDownloadPortParallel")),
+        GlobalForm<frmChipDialogKV20>(QStringLiteral("frmChipDialogKV20")),
+        GlobalForm<frmChipDialogKV10>(QStringLiteral("frmChipDialogKV10")),
         GlobalForm<frmChipDialogKV30>(QStringLiteral("frmChipDialogKV30")),
         GlobalForm<frmProcessorOptions>(QStringLiteral("frmProcessorOptions")),
         GlobalForm<frmDiagnosticATN>(QStringLiteral("frmDiagnosticATN")),
