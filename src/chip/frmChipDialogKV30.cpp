@@ -39,9 +39,9 @@ frmChipDialogKV30::frmChipDialogKV30() {
 
     Frame1 = new QGroupBox(QStringLiteral("I/O Pins at Startup"), this);
     Frame1->setObjectName(QStringLiteral("Frame1"));
-    PinGrid = new QGridLayout(Frame1);
+    PinLayout = new QGridLayout(Frame1);
     // Rows without gaps, so that the drawing's even pitch is the rows' own.
-    PinGrid->setVerticalSpacing(0);
+    PinLayout->setVerticalSpacing(0);
     Label1 = new QLabel(QStringLiteral("    IN  P   0   1                                         "
                                        "IN  P    0   1"),
                         Frame1);
@@ -52,22 +52,22 @@ frmChipDialogKV30::frmChipDialogKV30() {
             auto* Head = new QLabel(QString::fromLatin1(ColumnHeads[Column]), Frame1);
             Head->setObjectName(QStringLiteral("lblColumnHead%1").arg(Side * 4 + Column + 1));
             Head->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
-            PinGrid->addWidget(Head, 0, Side == 0 ? 1 + Column : DrawingColumn + 1 + Column);
+            PinLayout->addWidget(Head, 0, Side == 0 ? 1 + Column : DrawingColumn + 1 + Column);
             lblColumnHead << Head;
         }
     }
     bmpChip = new ChipPackageDrawing(PinCount, QStringLiteral("KV-30"), Frame1);
     bmpChip->setObjectName(QStringLiteral("bmpChip"));
-    PinGrid->addWidget(bmpChip, 1, DrawingColumn, PinsPerSide, 1);
-    PinGrid->setColumnMinimumWidth(DrawingColumn, bmpChip->sizeHint().width());
+    PinLayout->addWidget(bmpChip, 1, DrawingColumn, PinsPerSide, 1);
+    PinLayout->setColumnMinimumWidth(DrawingColumn, bmpChip->sizeHint().width());
     for (int32_t Pin = 1; Pin <= PinCount; ++Pin) {
         auto* Number = new QLabel(QString::number(Pin), Frame1);
         Number->setObjectName(QStringLiteral("lblPin%1").arg(Pin));
         Number->setAlignment((OnTheLeft(Pin) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
-        PinGrid->addWidget(Number, RowOf(Pin), OnTheLeft(Pin) ? 0 : DrawingColumn + 5);
+        PinLayout->addWidget(Number, RowOf(Pin), OnTheLeft(Pin) ? 0 : DrawingColumn + 5);
     }
     for (int Row = 1; Row <= PinsPerSide; ++Row) {
-        PinGrid->setRowStretch(Row, 1);
+        PinLayout->setRowStretch(Row, 1);
     }
 
     // The pattern of the boxes made at run time.
@@ -121,7 +121,7 @@ void frmChipDialogKV30::PlaceBox(int Index) {
     ToPin(Index, Pin);
     const int Offset = (Index - 1) % 4;
     const int Column = OnTheLeft(Pin) ? 1 + Offset : DrawingColumn + 1 + Offset;
-    PinGrid->addWidget(chkPin[Index], RowOf(Pin), Column, Qt::AlignHCenter);
+    PinLayout->addWidget(chkPin[Index], RowOf(Pin), Column, Qt::AlignHCenter);
 }
 
 void frmChipDialogKV30::BuildBoxes() {

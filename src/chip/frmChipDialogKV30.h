@@ -65,5 +65,5 @@ class frmChipDialogKV30 : public QDialog {
     std::array<PinStateTypes, 41> SavedPinStates{};
     // The file executive's one file is this dialog's, from the load to the close.
     bool HoldsFile = false;
-    class QGridLayout* PinGrid = nullptr;
+    class QGridLayout* PinLayout = nullptr;
 };

@@ -64,13 +64,7 @@ class ChipDialogKV30Test : public FrameFixture {
         return Set;
     }
     static void Click(QAbstractButton* Button) { QTest::mouseClick(Button, Qt::LeftButton); }
-    QStringList BoxTexts() const {
-        QStringList Texts;
-        for (const auto& Shown : Boxes->Boxes) {
-            Texts << Shown.Title + QLatin1Char('|') + Shown.Text;
-        }
-        return Texts;
-    }
+    QStringList BoxTexts() const { return Boxes->Texts(); }
 };
 
 TEST_F(ChipDialogKV30Test, BoxIndexesRunFourToAPinInTheFileFlagOrder) {

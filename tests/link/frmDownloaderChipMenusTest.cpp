@@ -40,13 +40,7 @@ class DownloaderChipMenusTest : public DownloaderWindowFixture {
         Window.mnuProcessorOptions->trigger();
         return Person.Seen;
     }
-    QStringList BoxTexts() const {
-        QStringList Texts;
-        for (const auto& Shown : Boxes->Boxes) {
-            Texts << Shown.Title + QLatin1Char('|') + Shown.Text;
-        }
-        return Texts;
-    }
+    QStringList BoxTexts() const { return Boxes->Texts(); }
     bool OwnedByDownloader = false;
 };
 
