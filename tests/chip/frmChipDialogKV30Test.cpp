@@ -7,6 +7,7 @@
 #include "chip/frmChipDialogKV30.h"
 #include "frame/GlobalData.h"
 #include "platform/Global.h"
+#include "support/FaultyDisk.h"
 #include "support/FrameFixture.h"
 #include "support/QtPrinters.h"
 
@@ -261,6 +262,24 @@ TEST_F(ChipDialogKV30Test, OnAReadOnlyFileEveryClickSnapsBackWithTheMessageAndOK
     EXPECT_FALSE(FileExecutive().IsOpen());
     EXPECT_EQ(FileBytes(), Before.Image);
     EXPECT_EQ(BoxTexts().size(), 3) << "OK says nothing more";
+}
+
+TEST_F(ChipDialogKV30Test, OKOnAFullDiskKeepsTheFileAndTellsTheCause) {
+    PrfImageBuilder Before = DefaultFile();
+    ASSERT_TRUE(Before.Save(PrfName()));
+    frmChipDialogKV30& Dialog = Open();
+    Click(Box(Dialog, 1, High));
+    {
+        FaultyDisk Disk({.Room = 4096});
+        Click(Dialog.cmdOK);
+        EXPECT_EQ(Disk.Commits, 0);
+    }
+    EXPECT_EQ(BoxTexts(), QStringList{QStringLiteral("Error Writing to PRF File|Unable to write "
+                                                     "PRF file ") +
+                                      PrfName() + QStringLiteral("\nError 61, Disk full")});
+    EXPECT_FALSE(Dialog.isVisible());
+    EXPECT_FALSE(FileExecutive().IsOpen());
+    EXPECT_EQ(FileBytes(), Before.Image);
 }
 
 TEST_F(ChipDialogKV30Test, AMissingFileShowsEveryPinAtInAndOKReportsAndMakesNoFile) {
