@@ -130,6 +130,16 @@ TEST_F(DownloaderChipMenusTest, TheAtnDiagnosticShowsThePictureOfTheChipModelAnd
     EXPECT_EQ(ProbeErrors, QStringList());
 }
 
+TEST_F(DownloaderChipMenusTest, TheAtnDiagnosticForAnotherChipShowsNoPictureAndReports) {
+    GlobalData::ChipType = 1;
+    frmDiagnosticATN& Diagnostic = Global<frmDiagnosticATN>::Get();
+    Diagnostic.show();
+    EXPECT_FALSE(Diagnostic.picKV20->isVisible());
+    EXPECT_FALSE(Diagnostic.picKV30->isVisible());
+    EXPECT_EQ(ProbeErrors, QStringList{QStringLiteral("Error_1 in frmDiagnosticATN.Form_Load")});
+    Global<frmDiagnosticATN>::Unload();
+}
+
 TEST_F(DownloaderChipMenusTest, WithTheMonitorPortClosedRaiseShowsTheBoxAndNoState) {
     frmDownloader& Window = Load();
     ASSERT_FALSE(MonitorPortExecutive::IsMonitorPortOpen());
