@@ -9,6 +9,10 @@
 #include <QVBoxLayout>
 #include <cstdio>
 
+#include "chip/frmChipDialogKV10.h"
+#include "chip/frmChipDialogKV20.h"
+#include "chip/frmChipDialogKV30.h"
+#include "chip/frmProcessorOptions.h"
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
 #include "editor/frmEditBoxType.h"
@@ -177,6 +181,9 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuCompileAndRun, &QAction::triggered, this, &frmSourceEditor::mnuCompileAndRun_Click);
     connect(mnuCompileStatus, &QAction::triggered, this, &frmSourceEditor::mnuCompileStatus_Click);
     connect(mnuWatchWindow, &QAction::triggered, this, &frmSourceEditor::mnuWatchWindow_Click);
+    connect(mnuChipDialog, &QAction::triggered, this, &frmSourceEditor::mnuChipDialog_Click);
+    connect(mnuProcessorOptions, &QAction::triggered, this,
+            &frmSourceEditor::mnuProcessorOptions_Click);
     connect(mnuWindowCascade, &QAction::triggered, mdiArea, &QMdiArea::cascadeSubWindows);
     connect(mnuWindowTileHorizontal, &QAction::triggered, this,
             [this] { TileModuleWindows(Tiling::TopToBottom); });
@@ -186,7 +193,6 @@ void frmSourceEditor::BuildMenus() {
     connect(mnuEnvironmentOptions, &QAction::triggered, this,
             &frmSourceEditor::mnuEnvironmentOptions_Click);
     connect(mnuProjectFiles, &QAction::triggered, this, &frmSourceEditor::mnuProjectFiles_Click);
-    // Not yet: the processor and chip dialogs come with their own parts.
 }
 
 void frmSourceEditor::BuildToolBar() {
@@ -881,9 +887,43 @@ void frmSourceEditor::ShowStatusPanel(int Panel, const QString& Text) {
     }
 }
 
-void frmSourceEditor::mnuChipDialog_Click() {
-    // Not yet: the chip dialogs come with their own part; the preference file is left as it is.
+namespace {
+// A dialog of this window, modal, unloaded when it closes.
+template <class Dialog>
+void ShowOwnedDialog(QWidget* Owner) {
+    Dialog& Window = Global<Dialog>::Get();
+    Window.setParent(Owner, Window.windowFlags());
+    Window.exec();
+    Global<Dialog>::Unload();
 }
+}  // namespace
+
+void frmSourceEditor::mnuChipDialog_Click() {
+    // The chip dialogs work on the file itself: the mirror goes there first,
+    // with the chip model in use, and takes back what the dialog wrote.
+    PRFfileType& Preferences = Project().PRFfile();
+    Preferences.ChangeProcessor(GlobalData::ChipType);
+    Preferences.WriteFile();
+    switch (GlobalData::ChipType) {
+        case 1:
+            ShowOwnedDialog<frmChipDialogKV10>(this);
+            break;
+        case 2:
+            ShowOwnedDialog<frmChipDialogKV20>(this);
+            break;
+        case 3:
+            ShowOwnedDialog<frmChipDialogKV30>(this);
+            break;
+        default:
+            ShowOwnedDialog<frmChipDialogKV20>(this);
+            ErrorDisplay::ProbeError(
+                QStringLiteral("Error_1 in frmSourceEditor.mnuChipDialog_Click"));
+            break;
+    }
+    Preferences.ReadExistingFile();
+}
+
+void frmSourceEditor::mnuProcessorOptions_Click() { ShowOwnedDialog<frmProcessorOptions>(this); }
 
 void frmSourceEditor::mnuAbout_Click() {
     Global<frmAbout>::Get().exec();
@@ -912,7 +952,7 @@ void frmSourceEditor::barEditorToolbar_ButtonClick(const QString& Key) {
     } else if (Key == QStringLiteral("ProjectFiles")) {
         mnuProjectFiles_Click();
     } else if (Key == QStringLiteral("ChipDialog")) {
-        // Not yet: the chip dialogs come with their part.
+        mnuChipDialog_Click();
     } else {
         ErrorDisplay::ProbeError(
             QStringLiteral("Error1 in frmSourceEditor.barEditorToolbar_ButtonClick"));

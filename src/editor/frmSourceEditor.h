@@ -146,6 +146,7 @@ class frmSourceEditor : public QMainWindow,
     void mnuProjectFiles_Click();
     void mnuEnvironmentOptions_Click();
     void mnuAbout_Click();
+    void mnuProcessorOptions_Click();
     void barEditorToolbar_ButtonClick(const QString& Key);
     void tabEditTabStrip_Click(int Index);
 

@@ -24,6 +24,7 @@ bool LogFileIsOpen = false;
 bool ErrorWasLogged = false;
 // The log could not be opened or written: its lines go to standard error.
 bool LogFailed = false;
+std::function<void(const QString&)> ProbeErrorListener;
 // The lines of this batch, so that standard error gets them all when the
 // file fails half way.
 QList<QByteArray> LinesSoFar;
@@ -176,6 +177,9 @@ int AskYesNoCancel(const QString& Text, const QString& Title) {
 // The trace texts stay at their call sites so that a debug build can turn
 // them on with ProbeDebugIsOn; this build drops them.
 void ProbeError(const QString& Text) {
+    if (ProbeErrorListener) {
+        ProbeErrorListener(Text);
+    }
     if constexpr (ProbeDebugIsOn) {
         qDebug("%s", qPrintable(Text));
     }
@@ -185,6 +189,10 @@ void ProbeDebug(const QString& Text) {
     if constexpr (ProbeDebugIsOn) {
         qDebug("%s", qPrintable(Text));
     }
+}
+
+void SetProbeErrorListener(std::function<void(const QString&)> Listener) {
+    ProbeErrorListener = std::move(Listener);
 }
 
 bool GetLogFileIsOpen() { return LogFileIsOpen; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 // All messages to the user. In a batch nobody is there to read a box, and
 // ShowErrorMessage writes to the log file Kavlin.err in the work path instead.
@@ -20,6 +21,9 @@ void ShowWarningMessage(const QString& Text, const QString& Title);
 int AskYesNo(const QString& Text, const QString& Title);
 int AskYesNoCancel(const QString& Text, const QString& Title);
 void ProbeError(const QString& Text);
+// Where a test hears the internal reports; the user never sees them, and
+// without a listener they are dropped as before.
+void SetProbeErrorListener(std::function<void(const QString&)> Listener);
 void ProbeDebug(const QString& Text);
 
 bool GetLogFileIsOpen();

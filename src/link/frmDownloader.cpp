@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "chip/XFileExecutivePRF.h"
+#include "chip/frmProcessorOptions.h"
 #include "compile/CompilerCentral.h"
 #include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
@@ -35,6 +36,7 @@
 #include "link/frmDownloadPortSerial.h"
 #include "monitor/MonitorCapture.h"
 #include "monitor/MonitorPortExecutive.h"
+#include "monitor/frmDiagnosticATN.h"
 #include "monitor/frmMonitorCapture.h"
 #include "monitor/frmMonitorPort.h"
 #include "platform/ClockService.h"
@@ -106,6 +108,7 @@ frmDownloader::frmDownloader() {
     txtDebugWindow->installEventFilter(this);
     KavlinControl1->SetDebugWindow([this](const QString& Text) { SetDebugWindowText(Text); });
     KavlinControlSerialLink::Install(*KavlinControl1);
+    ProcessorOptionsHost::Install(this);
 
     comMonitorPort = new SerialPortObject();
     // Room for more than a second at 115200 baud, so that a busy moment of
@@ -172,6 +175,7 @@ frmDownloader::frmDownloader() {
 }
 
 frmDownloader::~frmDownloader() {
+    ProcessorOptionsHost::Uninstall(this);
     tmrSerialInputPoller->stop();
     // The capture dialog is this window's child: it goes first, and with it
     // its global slot.
@@ -351,13 +355,11 @@ void frmDownloader::InitializeChipType() {
     GlobalData::ChipType = RegistryCentral::RegistryGetChipType();
     switch (GlobalData::ChipType) {
         case 1:
-            mnuRescue->setEnabled(false);
-            mnuDiagnosticATN->setEnabled(false);
+            EnableChipMenus(false);
             break;
         case 2:
         case 3:
-            mnuRescue->setEnabled(true);
-            mnuDiagnosticATN->setEnabled(true);
+            EnableChipMenus(true);
             break;
         default:
             ErrorDisplay::ProbeError(QStringLiteral("Error_1 in frmDownloader.InitializeChipType"));
@@ -645,8 +647,19 @@ void frmDownloader::mnuCaptureToFile_Click() {
 }
 
 void frmDownloader::mnuProcessorOptions_Click() {
-    // Not yet: the processor dialog comes with the chip dialogs.
+    frmProcessorOptions& Dialog = Global<frmProcessorOptions>::Get();
+    Dialog.setParent(this, Dialog.windowFlags());
+    Dialog.exec();
+    Global<frmProcessorOptions>::Unload();
 }
+
+void frmDownloader::EnableChipMenus(bool Enabled) {
+    // The rescue and the ATN diagnostic speak to a serial chip's monitor.
+    mnuRescue->setEnabled(Enabled);
+    mnuDiagnosticATN->setEnabled(Enabled);
+}
+
+void frmDownloader::CheckPortMatchesChip() { DownloadPortExecutive::CheckPortMatchesChip(); }
 
 void frmDownloader::mnuDownloadPortSetup_Click() {
     // The chip model alone decides which port it is.
@@ -680,7 +693,10 @@ void frmDownloader::mnuDiagnosticATN_Click() {
                                        QStringLiteral("Processor Type Error"));
         return;
     }
-    // The diagnostic dialog itself comes with the other chip dialogs.
+    frmDiagnosticATN& Dialog = Global<frmDiagnosticATN>::Get();
+    Dialog.setParent(this, Dialog.windowFlags());
+    Dialog.exec();
+    Global<frmDiagnosticATN>::Unload();
 }
 
 bool frmDownloader::PortGuard() {

@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 
+#include "chip/ProcessorOptionsHost.h"
 #include "frame/CommandLineInterpreter.h"
 #include "frame/FormGeometry.h"
 #include "frame/WindowGeometry.h"
@@ -34,7 +35,9 @@ class EditorShutdownHandler {
 
 // The system's first window: its Form_Load is the entry of the process and
 // owns the order of start-up; closing it ends the process.
-class frmDownloader : public QMainWindow, public CommandLineInterpreter::CommandLineHost {
+class frmDownloader : public QMainWindow,
+                      public CommandLineInterpreter::CommandLineHost,
+                      public ProcessorOptionsHost {
     Q_OBJECT
   public:
     frmDownloader();
@@ -94,6 +97,10 @@ class frmDownloader : public QMainWindow, public CommandLineInterpreter::Command
     void DownloadProgram(bool& Success) override;
     void ExecuteProgram() override;
     void UnloadDownloader() override;
+
+    // ProcessorOptionsHost
+    void EnableChipMenus(bool Enabled) override;
+    void CheckPortMatchesChip() override;
 
     QMenu* mnuFile;
     QAction* mnuOpenDownload;

@@ -103,13 +103,7 @@ QString CompileFixture::ObjectFile(const QString& Name) const {
                                           : QStringLiteral("<none>");
 }
 
-QStringList CompileFixture::BoxTexts() const {
-    QStringList List;
-    for (const auto& Box : Boxes->Boxes) {
-        List << Box.Title + QLatin1Char('|') + Box.Text;
-    }
-    return List;
-}
+QStringList CompileFixture::BoxTexts() const { return Boxes->Texts(); }
 
 QByteArray CompileFixture::WorkFile(const QString& Name) const {
     QFile File(Work + QLatin1Char('/') + Name);

@@ -3,7 +3,10 @@
 #include <QMap>
 #include <QStringList>
 
+#include "compile/CompilerCentral.h"
 #include "compile/CompilerHost.h"
+#include "frame/CommandLineInterpreter.h"
+#include "project/ProjectType.h"
 #include "support/FrameFixture.h"
 
 // The editor's side of a compile, recorded: the texts, every status panel
@@ -48,6 +51,27 @@ class RecordingCompilerHost : public CompilerHost {
     FormGeometry Geometry;
     QStringList Highlights;
     QStringList CommandLineErrors;
+};
+
+// The downloader's part of a batch: open the project, compile it.
+class BatchCompileHost : public CommandLineInterpreter::CommandLineHost {
+  public:
+    void ClearComError() override {}
+    void ShowEditorAndOpenProject(const QString&, const QString&, const QString&) override {}
+    void OpenProject(const QString& Path, const QString& Name, const QString& Extension) override {
+        Project().OpenProject(Path, Name, Extension, false);
+    }
+    void CompileAll() override {
+        bool Success = false;
+        CompilerCentral::CompileAll(Success);
+        Results << Success;
+    }
+    void OpenKVBfile(const QString&) override {}
+    bool OpenDownloadPort() override { return false; }
+    void DownloadProgram(bool& Success) override { Success = false; }
+    void ExecuteProgram() override {}
+    void UnloadDownloader() override {}
+    QList<bool> Results;
 };
 
 // A compile's world: an install directory with the test double of the

@@ -2,18 +2,23 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QMdiSubWindow>
+#include <QRadioButton>
 #include <QTest>
 #include <QTimer>
 #include <functional>
 
 #include "CompileFixture.h"
+#include "chip/frmChipDialogKV30.h"
 #include "compile/CompilerCentral.h"
 #include "compile/frmCompileStatus.h"
 #include "editor/EditBoxModuleWindow.h"
 #include "editor/frmEditBoxType.h"
 #include "editor/frmSourceEditor.h"
 #include "frame/DirectoryCentral.h"
+#include "frame/FrameTestSupport.h"
+#include "frame/GlobalData.h"
 #include "frame/TwipsConversion.h"
 #include "link/DownloadPortExecutive.h"
 #include "link/frmDownloader.h"
@@ -23,6 +28,7 @@
 #include "platform/SerialDevices.h"
 #include "project/ProjectType.h"
 #include "sim/SimulatedSerialLine.h"
+#include "support/ModalDialogWatcher.h"
 #include "support/QtPrinters.h"
 #include "support/SourceEditorFixture.h"
 
@@ -144,6 +150,94 @@ TEST_F(CompileWindowsTest, F4Compiles) {
     Editor->activateWindow();
     QTest::keyClick(Editor, Qt::Key_F4);
     EXPECT_EQ(Calls().filter(QStringLiteral("RunCompile")).size(), 1);
+}
+
+TEST_F(CompileWindowsTest,
+       PreferencesOfAnotherChipAreToldThenTheChipDialogOpensAndNothingCompiles) {
+    OpenBlink();
+    GlobalData::ChipType = 3;
+    QStringList BoxesBeforeTheDialog;
+    ModalDialogWatcher Person([&](QWidget& Dialog) {
+        BoxesBeforeTheDialog = BoxTexts();
+        QTest::mouseClick(Dialog.findChild<QPushButton*>(QStringLiteral("cmdCancel")),
+                          Qt::LeftButton);
+    });
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxesBeforeTheDialog,
+              QStringList{QStringLiteral("Chip Preferences|Chip preferences have not been set")});
+    EXPECT_EQ(Person.Seen, QStringList{QStringLiteral("frmChipDialogKV30")});
+    EXPECT_EQ(CompileCalls(), QStringList());
+    // The dialog's command saved the chip model in use: the next compile goes on.
+    Boxes->Boxes.clear();
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxTexts(), QStringList());
+    EXPECT_EQ(Person.Seen.size(), 1);
+    EXPECT_EQ(CompileCalls().filter(QStringLiteral("SetChipType(3)")).size(), 1);
+    EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")).size(), 1);
+}
+
+TEST_F(CompileWindowsTest, ChangingFromKv10ToKv20StopsTheNextCompileAndOpensTheKv20Dialog) {
+    GlobalData::ChipType = 1;
+    OpenBlink();
+    ASSERT_EQ(Project().PRFfile().Processor(), 1);
+    ModalDialogWatcher Person([](QWidget& Dialog) {
+        if (Dialog.objectName() == QStringLiteral("frmProcessorOptions")) {
+            QTest::mouseClick(Dialog.findChild<QRadioButton*>(QStringLiteral("optKV20")),
+                              Qt::LeftButton);
+            QTest::mouseClick(Dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")),
+                              Qt::LeftButton);
+        } else {
+            QTest::keyClick(&Dialog, Qt::Key_Escape);
+        }
+    });
+    Editor->mnuProcessorOptions->trigger();
+    ASSERT_EQ(GlobalData::ChipType, 2);
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxTexts(),
+              QStringList{QStringLiteral("Chip Preferences|Chip preferences have not been set")});
+    EXPECT_EQ(Person.Seen, (QStringList{QStringLiteral("frmProcessorOptions"),
+                                        QStringLiteral("frmChipDialogKV20")}));
+    EXPECT_EQ(CompileCalls(), QStringList());
+}
+
+TEST_F(CompileWindowsTest, AKv10WithoutEepromSizeShowsTheErrorThenTheKv10Dialog) {
+    GlobalData::ChipType = 1;
+    OpenBlink();
+    Project().PRFfile().SpiSize = 0;
+    QStringList BoxesBeforeTheDialog;
+    int32_t SizeShown = -1;
+    ModalDialogWatcher Person([&](QWidget& Dialog) {
+        BoxesBeforeTheDialog = BoxTexts();
+        if (auto* Size = Dialog.findChild<QLineEdit*>(QStringLiteral("txtSpiSize"))) {
+            SizeShown = Size->text().toInt();
+        }
+        QTest::keyClick(&Dialog, Qt::Key_Escape);
+    });
+    Editor->mnuCompile->trigger();
+    EXPECT_EQ(BoxesBeforeTheDialog,
+              QStringList{QStringLiteral(
+                  "EEPROM Memory Size Error|Error -- EEPROM memory size is zero or negative")});
+    EXPECT_EQ(Person.Seen, QStringList{QStringLiteral("frmChipDialogKV10")});
+    EXPECT_EQ(SizeShown, 0) << "the dialog shows the size the compile refused";
+    EXPECT_EQ(CompileCalls().filter(QStringLiteral("RunCompile")), QStringList());
+}
+
+TEST_F(CompileWindowsTest, InABatchPreferencesOfAnotherChipAreLoggedAndNoDialogOpens) {
+    OpenBlink();
+    const QByteArray Preferences = WorkFile(QStringLiteral("blink.prf"));
+    GlobalData::ChipType = 3;
+    Global<ProjectType>::Unload();
+    ModalDialogWatcher Person([](QWidget& Dialog) { Dialog.close(); });
+    BatchCompileHost Batch;
+    CommandLineInterpreter::SetHost(&Batch);
+    CommandLineInterpreter::SetCommandLine(QStringLiteral("blink /c"));
+    CommandLineInterpreter::Run();
+    EXPECT_EQ(Batch.Results, QList<bool>{false});
+    EXPECT_TRUE(ReadLogLines().contains(QStringLiteral("Chip preferences have not been set")));
+    EXPECT_EQ(Person.Seen, QStringList());
+    EXPECT_FALSE(Global<frmChipDialogKV30>::IsLoaded());
+    EXPECT_EQ(WorkFile(QStringLiteral("blink.prf")), Preferences) << "nothing was saved for it";
+    EXPECT_EQ(CompileCalls(), QStringList());
 }
 
 TEST_F(CompileWindowsTest, CompileAndRunWithAClosedPortAndNoCompilesNothing) {

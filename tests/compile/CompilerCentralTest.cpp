@@ -8,12 +8,12 @@
 #include "CompileFixture.h"
 #include "compile/CompilerCentral.h"
 #include "frame/CommandLineInterpreter.h"
-#include "project/TextModuleWindow.h"
 #include "frame/DirectoryCentral.h"
 #include "frame/ErrorDisplay.h"
 #include "frame/FrameTestSupport.h"
 #include "frame/GlobalData.h"
 #include "project/ProjectType.h"
+#include "project/TextModuleWindow.h"
 #include "support/ModelEditWindow.h"
 #include "support/QtPrinters.h"
 
@@ -465,27 +465,6 @@ TEST_F(CompilerCentralTest, AComponentWrittenInPlainCFromTheHeaderAloneCompiles)
 }
 
 // ---- In a batch ------------------------------------------------------------
-
-// The downloader's part of a batch: open the project, compile it.
-class BatchCompileHost : public CommandLineInterpreter::CommandLineHost {
-  public:
-    void ClearComError() override {}
-    void ShowEditorAndOpenProject(const QString&, const QString&, const QString&) override {}
-    void OpenProject(const QString& Path, const QString& Name, const QString& Extension) override {
-        Project().OpenProject(Path, Name, Extension, false);
-    }
-    void CompileAll() override {
-        bool Success = false;
-        CompilerCentral::CompileAll(Success);
-        Results << Success;
-    }
-    void OpenKVBfile(const QString&) override {}
-    bool OpenDownloadPort() override { return false; }
-    void DownloadProgram(bool& Success) override { Success = false; }
-    void ExecuteProgram() override {}
-    void UnloadDownloader() override {}
-    QList<bool> Results;
-};
 
 class BatchCompileTest : public CompilerCentralTest {
   protected:

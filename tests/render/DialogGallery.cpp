@@ -9,10 +9,14 @@
 
 #include "chip/frmChipDialogKV10.h"
 #include "chip/frmChipDialogKV20.h"
+#include "chip/frmChipDialogKV30.h"
+#include "chip/frmProcessorOptions.h"
 #include "editor/frmEnvironmentOptions.h"
 #include "editor/frmSearchAndReplace.h"
 #include "link/frmDownloadPortParallel.h"
 #include "link/frmDownloadPortSerial.h"
+#include "link/frmTestProbe.h"
+#include "monitor/frmDiagnosticATN.h"
 #include "platform/Global.h"
 #include "project/ProjectType.h"
 #include "project/frmNewProject.h"
@@ -97,7 +101,10 @@ std::vector<DialogGalleryEntry> DialogGallery() {
         GlobalForm<frmDownloadPortParallel>(QStringLiteral("frmDownloadPortParallel")),
         GlobalForm<frmChipDialogKV20>(QStringLiteral("frmChipDialogKV20")),
         GlobalForm<frmChipDialogKV10>(QStringLiteral("frmChipDialogKV10")),
-        SimulatedChipWindow(),
+        GlobalForm<frmChipDialogKV30>(QStringLiteral("frmChipDialogKV30")),
+        GlobalForm<frmProcessorOptions>(QStringLiteral("frmProcessorOptions")),
+        GlobalForm<frmDiagnosticATN>(QStringLiteral("frmDiagnosticATN")),
+        GlobalForm<frmTestProbe>(QStringLiteral("frmTestProbe")),
         GlobalForm<frmEnvironmentOptions>(QStringLiteral("frmEnvironmentOptions")),
         {QStringLiteral("frmEnvironmentOptions.EditorOptions"),
          [] {
@@ -109,6 +116,7 @@ std::vector<DialogGalleryEntry> DialogGallery() {
          [] { Global<frmEnvironmentOptions>::Unload(); }},
         GlobalForm<frmNewProject>(QStringLiteral("frmNewProject")),
         ProjectFilesForm(),
+        SimulatedChipWindow(),
     };
 }
 

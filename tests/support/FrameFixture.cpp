@@ -28,6 +28,7 @@ void FrameFixture::SetUp() {
 
     ErrorDisplay::CloseLogFile();
     ErrorDisplay::InitializeErrorDisplay();
+    ErrorDisplay::SetProbeErrorListener([this](const QString& Text) { ProbeErrors << Text; });
     DumpManager::InitializeDumpManager();
     CommandLineInterpreter::Initialize();
     CommandLineInterpreter::SetCommandLine(QString());
@@ -44,6 +45,7 @@ void FrameFixture::SetUp() {
 
 void FrameFixture::TearDown() {
     ErrorDisplay::CloseLogFile();
+    ErrorDisplay::SetProbeErrorListener(nullptr);
     CommandLineInterpreter::Initialize();
     CommandLineInterpreter::SetHost(nullptr);
     QDir::setCurrent(SavedCurrentDirectory);

@@ -41,4 +41,6 @@ class FrameFixture : public ::testing::Test {
     ScriptedMessageBoxService* Boxes = nullptr;
     VirtualClockService* Clock = nullptr;
     QString SavedCurrentDirectory;
+    // The internal reports ("Error_1 in ...") made during the test.
+    QStringList ProbeErrors;
 };

@@ -13,3 +13,11 @@ int ScriptedMessageBoxService::Show(const QString& Text, const QString& Title,
     Answers.pop_front();
     return Answer;
 }
+
+QStringList ScriptedMessageBoxService::Texts() const {
+    QStringList List;
+    for (const Box& Shown : Boxes) {
+        List << Shown.Title + QLatin1Char('|') + Shown.Text;
+    }
+    return List;
+}

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <deque>
 #include <functional>
 
@@ -22,6 +23,8 @@ class ScriptedMessageBoxService : public MessageBoxService {
              MsgBoxIcon Icon) override;
 
     void QueueAnswer(int Answer) { Answers.push_back(Answer); }
+    // Every box so far as "Title|Text".
+    QStringList Texts() const;
     QList<Box> Boxes;
     std::deque<int> Answers;
     // Runs while a box is up, before it is answered: what the user sees then.
