@@ -254,7 +254,10 @@ void SimulatedKavlinChip::PressReset(int64_t Ns) {
 void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
     LineTimeIs(Ns);
     if (!InMonitor_) {
-        if (PcLinkProgram && Byte == 0x01) {
+        // A running program keeps the PC link (the KV-20 and KV-30 default):
+        // the sync byte halts it into the monitor without ATN, as the watch
+        // window's samples halt it.
+        if ((PcLinkProgram || ProgramRunning()) && Byte == 0x01) {
             EnterMonitor(Ns);
             Reply(QByteArray(1, static_cast<char>(Acknowledge)), Ns, false);
             return;

@@ -101,7 +101,9 @@ class SimulatedKavlinChip {
     // The pins and LEDs as the program drives them.
     SimulatedChipBoard Board;
 
-    // The user program answers the sync byte itself, so no ATN is needed.
+    // The user program answers the sync byte itself, so no ATN is needed,
+    // even with no image running; a program running on the bytecode machine
+    // always answers it.
     bool PcLinkProgram = false;
     // The user program keeps ATN from catching the monitor; only ATN moving
     // while the chip starts up gets in then.

@@ -42,6 +42,8 @@ class SimulatedChipProgramTest : public ::testing::Test {
         ClockService::Install(std::move(Virtual));
         Line = std::make_shared<SimulatedSerialLine>();
         Line->SetInBufferSize(32767);
+        // The host opens the line at the link's rate.
+        Line->SetSettings(QStringLiteral("115200,N,8,1"));
         Line->SetPortOpen(true);
     }
     void TearDown() override {
@@ -135,6 +137,26 @@ TEST_F(SimulatedChipProgramTest, AtnStopsTheProgramWithItsVariablesKeptAndContin
     Wait(48);
     EXPECT_EQ(Read(), QByteArray());
     Wait(3);
+    EXPECT_EQ(Read(), QByteArray("tick 3\r\n"));
+}
+
+TEST_F(SimulatedChipProgramTest, TheSyncByteAloneHaltsARunningProgramAndContinueResumesIt) {
+    Flash(Ticker);
+    Execute();
+    Wait(150);
+    EXPECT_EQ(Read(), QByteArray("tick 1\r\ntick 2\r\n"));
+    const int CatchesBefore = Chip().CatchCount;
+    // No ATN: the PC link's sync byte, answered by the monitor.
+    Line->Output(QByteArray::fromHex("01"));
+    Wait(1);
+    EXPECT_TRUE(Chip().InMonitor());
+    EXPECT_EQ(Chip().CatchCount, CatchesBefore + 1);
+    EXPECT_EQ(Read(), QByteArray(1, static_cast<char>(SimulatedKavlinChip::Acknowledge)));
+    EXPECT_EQ(Chip().ProgramInput, QByteArray()) << "the program never saw the sync byte";
+    Wait(1000);
+    EXPECT_EQ(RamLong(Symbols.at("Count")), 2);
+    Continue();
+    Wait(100);
     EXPECT_EQ(Read(), QByteArray("tick 3\r\n"));
 }
 
@@ -292,6 +314,7 @@ Main:
 
     Line = std::make_shared<SimulatedSerialLine>();
     Line->SetInBufferSize(32767);
+    Line->SetSettings(QStringLiteral("115200,N,8,1"));
     Line->SetPortOpen(true);
     Chip().KeepEepromsIn(std::make_unique<SimulatedChipStore>(Folder.path()));
     EXPECT_EQ(Chip().InternalEeprom[32], 2);
