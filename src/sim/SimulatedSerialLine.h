@@ -9,11 +9,12 @@
 
 // The serial line between the host and a simulated chip, as a serial port
 // object. It is paced as the wire is, at the rate and framing the host set
-// on the port when it opened it (both directions: the chip's UART runs at the
-// same rate), on the clock of the clock-and-pump service: in a test that is virtual time, in the
-// program real time. A byte reaches the chip when its stop bit ends; a reply
-// of the chip reaches the host's input buffer whole, once its last byte is
-// in, as a serial adapter hands over what came in one go.
+// on the port when it opened it (both ways: the chip's UART runs at the same
+// rate), on the clock of the clock-and-pump service: in a test that is
+// virtual time, in the program real time. A byte reaches the chip when its
+// stop bit ends; a reply of the chip reaches the host's input buffer whole,
+// once its last byte is in, as a serial adapter hands over what came in one
+// go.
 class SimulatedSerialLine : public SerialPort {
   public:
     // 10 bits at 115200 baud, in nanoseconds: the download link's rate.
