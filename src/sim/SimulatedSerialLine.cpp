@@ -165,12 +165,14 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
         RaiseError(SerialPortErrors::PortNotOpen, QStringLiteral("The port could not be closed"));
     }
     // Closing waits until what the host sent has left the wire, as the
-    // system's close of a serial device does; it then drops what is on its
-    // way to the host and lowers DTR: a closed port receives nothing.
+    // system's close of a serial device does; it then drops what it had
+    // received and lowers DTR. A closed port receives nothing, but the chip
+    // goes on sending: what comes in after the port is opened again is
+    // received, as the program's first print after a start that the host
+    // hands over from the download link to the monitor.
     SleepUntil(HostLineFreeNs);
     AdvanceTo(std::max(NowNs(), HostLineFreeNs));
     ToChip.clear();
-    ToHost.clear();
     InBuffer.clear();
     CommEvents_.clear();
     Open = false;

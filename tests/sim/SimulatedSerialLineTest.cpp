@@ -242,6 +242,25 @@ TEST_F(SimulatedSerialLineTest, ClosedPortReceivesNothingOfWhatWasPrinted) {
     EXPECT_EQ(Line->InBufferCount(), 0);
 }
 
+TEST_F(SimulatedSerialLineTest, APrintUnderWayIsReceivedFromTheMomentThePortIsOpenAgain) {
+    // One byte every 86.8 us: "h" and "e" are in at 200 us, "l" comes while
+    // the port is closed, "l" and "o" after it is open again.
+    Line->ProgramPrints("hello");
+    Clock->SleepMicroseconds(200);
+    Line->SetPortOpen(false);
+    Clock->SleepMicroseconds(100);
+    Line->SetPortOpen(true);
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("lo"));
+    // Closed and opened again at once, as the download link hands the line
+    // to the monitor port: nothing of the print is lost.
+    Line->ProgramPrints("start");
+    Line->SetPortOpen(false);
+    Line->SetPortOpen(true);
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("start"));
+}
+
 TEST_F(SimulatedSerialLineTest, LineEventsAreTakenOnceAndOverflowIsOne) {
     Line->LineEvent(CommEvents::Break);
     EXPECT_EQ(Line->TakeCommEvents(), QList<int32_t>({CommEvents::Break}));
