@@ -163,8 +163,9 @@ void SimulatedKavlinChip::StartProgram(int64_t Ns) {
     Board.LoadConfigurationBlock(ChipType, std::span<const uint8_t>(InternalEeprom.data(), 32));
     Machine_ = std::make_unique<BytecodeMachine>(
         BytecodeMachine::Memories{Ram, InternalEeprom, Image}, *ProgramSerial_, Board);
-    HeldNs_ = Ns;
-    TransmitFreeNs_ = Ns;
+    // The program's time starts once the start-up code is done.
+    HeldNs_ = Ns + StartupCodeNs;
+    TransmitFreeNs_ = HeldNs_;
     PersistentSeen_.assign(InternalEeprom.begin() + PersistentStart, InternalEeprom.end());
     Machine_->Start(0);
 }

@@ -113,6 +113,20 @@ TEST_F(SimulatedChipProgramTest, AfterTheResetBytesTheImageRunsAndItsPrintsReach
     EXPECT_EQ(RamLong(Symbols.at("Count")), 3);
 }
 
+TEST_F(SimulatedChipProgramTest, TheProgramStartsOnceTheStartUpCodeIsDone) {
+    Flash(Ticker);
+    Halt();
+    Line->Output(QByteArray::fromHex("10D600"));
+    Line->WaitForOutputDrain(1'000'000);
+    const int64_t ResetEndsUs = (Line->LastByteEndsNs() + 999) / 1000;
+    Clock->SleepMicroseconds(ResetEndsUs + Chip().StartupCodeNs / 1000 - Clock->MicroTicks() - 10);
+    Line->CatchUp();
+    EXPECT_EQ(RamLong(Symbols.at("Count")), 0) << "the start-up code still runs";
+    Wait(2);
+    EXPECT_EQ(RamLong(Symbols.at("Count")), 1);
+    EXPECT_EQ(Chip().StartupCodeNs, 2'000'000);
+}
+
 TEST_F(SimulatedChipProgramTest, NothingRunsBeforeTheHostLetsTheChipGo) {
     Flash(Ticker);
     Wait(1000);
@@ -121,6 +135,8 @@ TEST_F(SimulatedChipProgramTest, NothingRunsBeforeTheHostLetsTheChipGo) {
 }
 
 TEST_F(SimulatedChipProgramTest, AtnStopsTheProgramWithItsVariablesKeptAndContinueResumesIt) {
+    // Timed from the reset to the tick: no start-up code in between.
+    Chip().StartupCodeNs = 0;
     Flash(Ticker);
     Execute();
     Wait(150);
@@ -196,6 +212,8 @@ Again:
 }
 
 TEST_F(SimulatedChipProgramTest, APrintFasterThanTheLineIsHeldBackByTheTransmitFifo) {
+    // The line's second from the reset on is the program's.
+    Chip().StartupCodeNs = 0;
     Flash(R"(
 .var Printed 4
 Main:
