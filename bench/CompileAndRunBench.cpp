@@ -23,6 +23,7 @@
 #include <memory>
 #include <string>
 
+#include "ProgramRig.h"
 #include "WindowBench.h"
 #include "WireBench.h"
 #include "chip/ConfigurationBytes.h"
@@ -42,17 +43,8 @@
 
 namespace {
 
-// Every box is answered at once with its default button, and kept as
-// "Title|Text": what the user saw.
-class RecordingMessageBoxService : public MessageBoxService {
-  public:
-    int Show(const QString& Text, const QString& Title, MsgBoxButtons Buttons,
-             MsgBoxIcon) override {
-        Shown << Title + QLatin1Char('|') + Text;
-        return DefaultAnswer(Buttons);
-    }
-    QStringList Shown;
-};
+using ProgramRig::RecordingMessageBoxService;
+using ProgramRig::Setting;
 
 const QString VerifyBox = QStringLiteral("Verify Error|Verify error, external EEPROM");
 const QString DownloadErrorBox = QStringLiteral("Download Error|Download error:\n");
@@ -121,23 +113,14 @@ class CompileAndRunRig {
     bool Ready = false;
 
   private:
-    static void Setting(const QString& Key, const QString& Value) {
-        SettingsStore::Instance().SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
-                                              Key, Value);
-    }
     bool WriteFile(const QString& Name, const QByteArray& Content) const {
-        QFile File(Folder.path() + QLatin1Char('/') + Name);
-        return File.open(QIODevice::WriteOnly) && File.write(Content) == Content.size();
+        return ProgramRig::WriteFile(Folder.path() + QLatin1Char('/') + Name, Content);
     }
     bool MakeInstallation(int32_t ImageBytes) {
         const QString Install = Folder.path() + QStringLiteral("/install");
         Work = Folder.path() + QStringLiteral("/work");
-        for (const QString& Dir :
-             {Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
-              Install + QStringLiteral("/BinKV20"), Work}) {
-            if (!Folder.isValid() || !QDir().mkpath(Dir)) {
-                return false;
-            }
+        if (!Folder.isValid() || !ProgramRig::MakeFolders(Install, {Work})) {
+            return false;
         }
         Setting(QStringLiteral("Run_Dir"), Install);
         Setting(QStringLiteral("Work_Dir"), Work);
