@@ -183,7 +183,7 @@ void F5ToFirstLine(benchmark::State& State) {
     const QString FirstLine = QStringLiteral("\nblink 1\n");
     ClockService& Clock = ClockService::Instance();
     SimulatedSerialLine& Line = *Rig.Line;
-    std::vector<double> Walls, Compiles;
+    std::vector<double> Walls, Compiles, Shows;
     double Cpu = 0;
     for (auto _ : State) {
         Line.ForgetHostEvents();
@@ -207,13 +207,20 @@ void F5ToFirstLine(benchmark::State& State) {
         const auto& Events = Line.HostEvents();
         Compiles.push_back(
             Events.empty() ? 0.0 : static_cast<double>(Events.front().Ns / 1000 - StartUs) / 1e6);
+        // From the line bringing the first line's last byte in to the window
+        // showing it: the monitor poll's wait.
+        const int64_t StartedNs = Line.LastByteEndsNs() + Line.Chip().StartupCodeNs;
+        const int64_t LineInUs =
+            (StartedNs + QByteArray("blink 1\r\n").size() * Line.LineByteNs()) / 1000;
+        Shows.push_back(static_cast<double>(EndUs - LineInUs) / 1e6);
         State.SetIterationTime(Walls.back());
         if (!Rig.Shown().contains(FirstLine)) {
             Fail(State, "the program's first line never came: " + Rig.Shown().toStdString());
             return;
         }
-        // The next press starts from a chip running the old program.
-        LoopRig::RunEvents(200);
+        // The next press starts from a chip running the old program, at
+        // another phase of the monitor poll's 50 ms each time.
+        LoopRig::RunEvents(200 + 17 * static_cast<int>(Walls.size()));
     }
     const int64_t Length = Rig.ImageBytes();
     WireMinimum Minimum(Line.TransmitFifoBytes, Line.Chip().ReplyLatencyNs);
@@ -248,9 +255,10 @@ void F5ToFirstLine(benchmark::State& State) {
     State.counters["HostAddsMax_pct"] = 100.0 * WorstAdds / Least;
     State.counters["WithinBudget"] = Within;
     State.counters["CpuMax_s"] = Cpu;
+    State.counters["ShowMax_s"] = *std::max_element(Shows.begin(), Shows.end());
 }
 
-BENCHMARK(F5ToFirstLine)->Iterations(10)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(F5ToFirstLine)->Iterations(20)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 // arg: the seconds the chip runs blink.
 void BlinkCpu(benchmark::State& State) {
