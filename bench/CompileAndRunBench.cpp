@@ -27,7 +27,6 @@
 #include "WindowBench.h"
 #include "WireBench.h"
 #include "chip/ConfigurationBytes.h"
-#include "chip/PrfImageBuilder.h"
 #include "compile/CompilerCentral.h"
 #include "editor/EditBoxModuleWindow.h"
 #include "editor/frmSourceEditor.h"
@@ -133,15 +132,15 @@ class CompileAndRunRig {
                            Install + QStringLiteral("/libKvComp141.so")) &&
                WriteFile(QStringLiteral("script.txt"),
                          "sizes=" + QByteArray::number(ImageBytes) + ",16,0\n") &&
-               WriteFile(QStringLiteral("work/blink.kvp"), "main.bas\r\n") &&
-               WriteFile(QStringLiteral("work/main.bas"),
-                         "Option Explicit\r\nDim Count As Integer\r\n"
-                         "Public Sub Main()\r\n  Do\r\n    Count = Count + 1\r\n"
-                         "    Call Delay(0.5)\r\n  Loop\r\nEnd Sub\r\n") &&
-               PrfImageBuilder()
-                   .AllPins(kvInputTristate)
-                   .DefaultValues(2)
-                   .Save(Work + QStringLiteral("/blink.prf"));
+               ProgramRig::WriteBlinkProject(Work,
+                                             "Option Explicit\r\n"
+                                             "Dim Count As Integer\r\n"
+                                             "Public Sub Main()\r\n"
+                                             "  Do\r\n"
+                                             "    Count = Count + 1\r\n"
+                                             "    Call Delay(0.5)\r\n"
+                                             "  Loop\r\n"
+                                             "End Sub\r\n");
     }
 
     QTemporaryDir Folder;

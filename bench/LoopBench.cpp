@@ -24,6 +24,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -33,7 +34,6 @@
 #include "WindowBench.h"
 #include "WireBench.h"
 #include "chip/ConfigurationBytes.h"
-#include "chip/PrfImageBuilder.h"
 #include "compile/CompilerCentral.h"
 #include "editor/EditBoxModuleWindow.h"
 #include "editor/frmSourceEditor.h"
@@ -134,9 +134,6 @@ class LoopRig {
     bool Ready = false;
 
   private:
-    bool WriteFile(const QString& Name, const QByteArray& Content) const {
-        return ProgramRig::WriteFile(Folder.path() + QLatin1Char('/') + Name, Content);
-    }
     bool MakeInstallation() {
         const QString Install = Folder.path() + QStringLiteral("/install");
         const QString Program = Folder.path() + QStringLiteral("/bin");
@@ -156,12 +153,7 @@ class LoopRig {
         }
         return QFile::link(QStringLiteral(KVCOMP_BUNDLED),
                            Program + QStringLiteral("/libKvComp141.so")) &&
-               WriteFile(QStringLiteral("work/blink.kvp"), "main.bas\r\n") &&
-               WriteFile(QStringLiteral("work/main.bas"), BlinkProgram) &&
-               PrfImageBuilder()
-                   .AllPins(kvInputTristate)
-                   .DefaultValues(2)
-                   .Save(Work + QStringLiteral("/blink.prf"));
+               ProgramRig::WriteBlinkProject(Work, BlinkProgram);
     }
 
     QTemporaryDir Folder;
@@ -287,6 +279,10 @@ void BlinkCpu(benchmark::State& State) {
     }
     if (!Rig.Boxes->Shown.isEmpty()) {
         Fail(State, "boxes: " + Rig.Boxes->Shown.join(QStringLiteral(" / ")).toStdString());
+    } else if (!Global<frmSimulatedChip>::Get().isVisible() ||
+               !Global<frmSimulatedChip>::Get().tmrRefresh->isActive() ||
+               !Rig.Downloader->tmrSerialInputPoller->isActive()) {
+        Fail(State, "the Simulated Chip window or the monitor poll was not running");
     } else if (Lines < Seconds * 2 - 2) {
         Fail(State, "the program printed too little: " + std::to_string(Lines) + " lines");
     }

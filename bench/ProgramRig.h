@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QStringList>
 
+#include "chip/PrfImageBuilder.h"
 #include "platform/MessageBoxService.h"
 #include "platform/SettingsStore.h"
 
@@ -45,6 +46,17 @@ inline bool MakeFolders(const QString& Install, const QStringList& Others) {
         }
     }
     return true;
+}
+
+// The KV-20 project "blink" of one module, main.bas, in the folder Work, with
+// the preference file of a chip whose pins are all inputs.
+inline bool WriteBlinkProject(const QString& Work, const QByteArray& MainModule) {
+    return WriteFile(Work + QStringLiteral("/blink.kvp"), "main.bas\r\n") &&
+           WriteFile(Work + QStringLiteral("/main.bas"), MainModule) &&
+           PrfImageBuilder()
+               .AllPins(kvInputTristate)
+               .DefaultValues(2)
+               .Save(Work + QStringLiteral("/blink.prf"));
 }
 
 }  // namespace ProgramRig
