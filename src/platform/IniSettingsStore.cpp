@@ -179,7 +179,8 @@ bool ReadEntry(const QString& Filename, const QString& Section, const QString& K
     return true;
 }
 
-// The system's configuration folders that QSettings reads behind the user's.
+// The system's configuration folders: those of $XDG_CONFIG_DIRS, else /etc/xdg,
+// the folder where QSettings reads a system-wide file behind the user's.
 QStringList SystemConfigFolders() {
     QStringList Folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
     Folders.removeAll(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));

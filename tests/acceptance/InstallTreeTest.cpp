@@ -9,6 +9,8 @@
 #include <QThread>
 #include <QXmlStreamReader>
 
+#include "support/ProgramEnvironment.h"
+
 namespace {
 
 QByteArray FileBytes(const QString& Name) {
@@ -26,25 +28,27 @@ class InstallTree : public ::testing::Test {
         Work = Root.filePath(QStringLiteral("Kavlin"));
         Config = Root.filePath(QStringLiteral("config"));
         Data = Root.filePath(QStringLiteral("data"));
-        QProcess Install;
-        Install.setProcessChannelMode(QProcess::MergedChannels);
-        Install.start(QStringLiteral(KAVLIN_CMAKE),
-                      {QStringLiteral("--install"), QStringLiteral(KAVLIN_BUILD_DIR),
-                       QStringLiteral("--prefix"), Prefix});
-        ASSERT_TRUE(Install.waitForFinished(120000));
-        ASSERT_EQ(Install.exitCode(), 0) << Install.readAll().toStdString();
+        ASSERT_NO_FATAL_FAILURE(InstallInto(Prefix));
         RunDir = Prefix + QStringLiteral("/share/kavlin");
     }
 
-    QProcessEnvironment UserEnvironment() const {
+    // `cmake --install` of the build folder as it stands, under DESTDIR when one is given.
+    static void InstallInto(const QString& InstallPrefix, const QString& DestDir = QString()) {
+        QProcess Install;
         QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
-        Environment.remove(QStringLiteral("DISPLAY"));
-        Environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
-        Environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Config);
-        Environment.insert(QStringLiteral("XDG_DATA_HOME"), Data);
-        return Environment;
+        if (!DestDir.isEmpty()) {
+            Environment.insert(QStringLiteral("DESTDIR"), DestDir);
+        }
+        Install.setProcessEnvironment(Environment);
+        Install.setProcessChannelMode(QProcess::MergedChannels);
+        Install.start(QStringLiteral(KAVLIN_CMAKE),
+                      {QStringLiteral("--install"), QStringLiteral(KAVLIN_BUILD_DIR),
+                       QStringLiteral("--prefix"), InstallPrefix});
+        ASSERT_TRUE(Install.waitForFinished(120000));
+        ASSERT_EQ(Install.exitCode(), 0) << Install.readAll().toStdString();
     }
+
+    QProcessEnvironment UserEnvironment() const { return NoDisplayEnvironment(Config, Data); }
 
     // Runs an installed program to its end; its exit code.
     int Run(const QString& Program, const QStringList& Arguments) {
@@ -145,7 +149,7 @@ TEST_F(InstallTree, TheDesktopEntryStartsTheInstalledProgramWithItsIcon) {
 }
 
 TEST_F(InstallTree, TheInstalledProgramCompilesAnExampleAndDownloadsItToTheSimulatedChip) {
-    SetUpUser();
+    ASSERT_NO_FATAL_FAILURE(SetUpUser());
     EXPECT_EQ(Run(QStringLiteral("kavlin"),
                   {QStringLiteral("blink"), QStringLiteral("/c"), QStringLiteral("/d")}),
               0);
@@ -178,7 +182,7 @@ TEST_F(InstallTree, TheInstalledProgramCompilesAnExampleAndDownloadsItToTheSimul
 }
 
 TEST_F(InstallTree, TheFirstStartWithTheWrittenSettingsShowsNoBoxAndOpensTheProject) {
-    SetUpUser();
+    ASSERT_NO_FATAL_FAILURE(SetUpUser());
     const QString Project = Work + QStringLiteral("/blink.kvp");
     const QString Errors = FirstStart({QLatin1Char('"') + Project + QLatin1Char('"')});
     // The headless message box service prints every box as "[Title] Text (answered ...)".
@@ -201,16 +205,7 @@ TEST_F(InstallTree, WithoutTheWrittenSettingsTheFirstStartShowsTheInstallationBo
 TEST_F(InstallTree, ASystemWideInstallNamesVarLibAsRunDirInEtcXdgAndTheProgramReadsIt) {
     // As the Debian package installs it: the prefix /usr, staged under DESTDIR.
     const QString Stage = Root.filePath(QStringLiteral("stage"));
-    QProcess Install;
-    QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
-    Environment.insert(QStringLiteral("DESTDIR"), Stage);
-    Install.setProcessEnvironment(Environment);
-    Install.setProcessChannelMode(QProcess::MergedChannels);
-    Install.start(QStringLiteral(KAVLIN_CMAKE),
-                  {QStringLiteral("--install"), QStringLiteral(KAVLIN_BUILD_DIR),
-                   QStringLiteral("--prefix"), QStringLiteral("/usr")});
-    ASSERT_TRUE(Install.waitForFinished(120000));
-    ASSERT_EQ(Install.exitCode(), 0) << Install.readAll().toStdString();
+    ASSERT_NO_FATAL_FAILURE(InstallInto(QStringLiteral("/usr"), Stage));
     EXPECT_EQ(FileBytes(Stage + QStringLiteral("/etc/xdg/Kavlin/Kavlin.conf")),
               QByteArray("[Config]\nRun_Dir=/var/lib/kavlin\n"));
     for (const QString& Library :

@@ -10,6 +10,7 @@
 #include "chip/PRFfileType.h"
 #include "platform/Global.h"
 #include "support/FrameFixture.h"
+#include "support/ProgramEnvironment.h"
 #include "support/QtPrinters.h"
 
 namespace {
@@ -98,14 +99,8 @@ class ExampleRuns : public ::testing::Test {
     // The batch's log after "kavlin NAME /c", one line an entry.
     QStringList Compile(const QString& Name) {
         QProcess Program;
-        QProcessEnvironment Environment = QProcessEnvironment::systemEnvironment();
-        Environment.remove(QStringLiteral("DISPLAY"));
-        Environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        Environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
-        Environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
-                           Root.filePath(QStringLiteral("config")));
-        Environment.insert(QStringLiteral("XDG_DATA_HOME"), Root.filePath(QStringLiteral("data")));
-        Program.setProcessEnvironment(Environment);
+        Program.setProcessEnvironment(NoDisplayEnvironment(Root.filePath(QStringLiteral("config")),
+                                                           Root.filePath(QStringLiteral("data"))));
         Program.start(QStringLiteral(KAVLIN_PROGRAM), {Name, QStringLiteral("/c")});
         EXPECT_TRUE(Program.waitForFinished(60000));
         EXPECT_EQ(Program.exitCode(), 0);
