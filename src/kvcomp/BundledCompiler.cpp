@@ -1,5 +1,8 @@
 #include "kvcomp/BundledCompiler.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -88,6 +91,19 @@ fs::path ObjectPath(const fs::path& Temp, const std::string& Name) {
     return Temp / (Leaf.empty() ? fs::path("module.kvo") : Leaf);
 }
 
+// Where the object files go. A Temp shared by every user of a system-wide
+// installation is sticky and writable by all, like /tmp: there each user
+// gets a folder of his own in it, since nobody may replace another's files
+// of the same module names.
+fs::path ObjectDirectory(const fs::path& Temp) {
+    struct stat Status {};
+    if (::stat(Temp.c_str(), &Status) != 0 || (Status.st_mode & S_ISVTX) == 0) {
+        return Temp;
+    }
+    const fs::path Own = Temp / ("user-" + std::to_string(::getuid()));
+    ::mkdir(Own.c_str(), 0700);
+    return Own;
+}
 }  // namespace
 
 bool BundledCompiler::SetLibraryPath(const std::u16string& Path) {
@@ -168,9 +184,9 @@ BundledCompiler::Outcome BundledCompiler::Compile(const fs::path& ProjectFilenam
     const std::u16string Warnings = WarningLines(Compiled.Warnings, Names);
 
     std::string WriteError;
-    const fs::path Temp = Library->InstallPath / "Temp";
     std::error_code Code;
-    fs::create_directories(Temp, Code);
+    fs::create_directories(Library->InstallPath / "Temp", Code);
+    const fs::path Temp = ObjectDirectory(Library->InstallPath / "Temp");
     for (const KavlinCompiler::ObjectFile& Object : Compiled.Objects) {
         const std::string_view Bytes(reinterpret_cast<const char*>(Object.Bytes.data()),
                                      Object.Bytes.size());

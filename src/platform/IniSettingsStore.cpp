@@ -156,16 +156,56 @@ QByteArray ReadWholeFile(const QString& Filename) {
     }
     return File.readAll();
 }
-}  // namespace
 
-IniSettingsStore::IniSettingsStore(const QString& Folder) : Folder_(Folder) {}
-
-QString IniSettingsStore::Filename(const QString& AppName) const {
-    const QString Folder =
-        Folder_.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
-                          : Folder_;
+QString ConfFile(const QString& Folder, const QString& AppName) {
     return Folder + QLatin1Char('/') + AppName + QLatin1Char('/') + AppName +
            QStringLiteral(".conf");
+}
+
+// The key's value in one file; False when the file does not hold the key.
+bool ReadEntry(const QString& Filename, const QString& Section, const QString& Key,
+               QString& Value) {
+    const QList<IniLine> Lines = SplitLines(ReadWholeFile(Filename));
+    qsizetype EntryLine = -1;
+    qsizetype SectionEnd = -1;
+    FindEntry(Lines, Section, Key, EntryLine, SectionEnd);
+    if (EntryLine < 0) {
+        return false;
+    }
+    QString EntryKey;
+    QByteArray Raw;
+    SplitEntry(Lines[EntryLine].Text, EntryKey, Raw);
+    Value = IniSettingsStore::UnescapeValue(Raw);
+    return true;
+}
+
+// The system's configuration folders: those of $XDG_CONFIG_DIRS, else /etc/xdg,
+// the folder where QSettings reads a system-wide file behind the user's.
+QStringList SystemConfigFolders() {
+    QStringList Folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
+    Folders.removeAll(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));
+    return Folders;
+}
+}  // namespace
+
+IniSettingsStore::IniSettingsStore(const QString& Folder)
+    : Folder_(Folder), SystemFolders_(Folder.isEmpty() ? SystemConfigFolders() : QStringList()) {}
+
+IniSettingsStore::IniSettingsStore(const QString& Folder, const QStringList& SystemFolders)
+    : Folder_(Folder), SystemFolders_(SystemFolders) {}
+
+QString IniSettingsStore::Filename(const QString& AppName) const {
+    return ConfFile(Folder_.isEmpty()
+                        ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+                        : Folder_,
+                    AppName);
+}
+
+bool IniSettingsStore::UserFileHolds(const QString& AppName, const QString& Section,
+                                     const QString& Key) const {
+    QString Value;
+    return Unsaved_.contains(StoreKey(AppName, Section, Key)) ||
+           ReadEntry(Filename(AppName), Section, Key, Value);
 }
 
 QString IniSettingsStore::GetSetting(const QString& AppName, const QString& Section,
@@ -174,22 +214,24 @@ QString IniSettingsStore::GetSetting(const QString& AppName, const QString& Sect
     if (Unsaved != Unsaved_.constEnd()) {
         return *Unsaved;
     }
-    const QList<IniLine> Lines = SplitLines(ReadWholeFile(Filename(AppName)));
-    qsizetype EntryLine = -1;
-    qsizetype SectionEnd = -1;
-    FindEntry(Lines, Section, Key, EntryLine, SectionEnd);
-    if (EntryLine < 0) {
-        return QString();
+    QString Value;
+    if (ReadEntry(Filename(AppName), Section, Key, Value)) {
+        return Value;
     }
-    QString EntryKey;
-    QByteArray Raw;
-    SplitEntry(Lines[EntryLine].Text, EntryKey, Raw);
-    return UnescapeValue(Raw);
+    for (const QString& Folder : SystemFolders_) {
+        if (ReadEntry(ConfFile(Folder, AppName), Section, Key, Value)) {
+            return Value;
+        }
+    }
+    return QString();
 }
 
 bool IniSettingsStore::SaveSetting(const QString& AppName, const QString& Section,
                                    const QString& Key, const QString& Value) {
-    if (GetSetting(AppName, Section, Key) == Value) {
+    // Nothing to write when the user's file says so already, or when an empty
+    // value meets a key that nobody has set.
+    const QString Stored = GetSetting(AppName, Section, Key);
+    if (Stored == Value && (UserFileHolds(AppName, Section, Key) || Value.isEmpty())) {
         return true;
     }
     const QString File = Filename(AppName);
@@ -234,13 +276,13 @@ bool IniSettingsStore::SaveSetting(const QString& AppName, const QString& Sectio
     } else {
         Failure = UserFile::FailureOfErrno(errno != 0 ? errno : EACCES);
     }
-    const QString Stored = StoreKey(AppName, Section, Key);
+    const QString Unsaved = StoreKey(AppName, Section, Key);
     if (!Saved) {
-        Unsaved_.insert(Stored, Value);
+        Unsaved_.insert(Unsaved, Value);
         FailureText_ = File + QLatin1Char('\n') + UserFile::ErrorLine(Failure);
         return false;
     }
-    Unsaved_.remove(Stored);
+    Unsaved_.remove(Unsaved);
     FailureText_.clear();
     return true;
 }

@@ -2,6 +2,8 @@
 // program: loaded through the program's own loader and driven through the
 // compile sequence as the editor and a batch drive it.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -212,6 +214,21 @@ TEST_F(BundledComponentTest, TempGetsTheObjectFilesOfTheModules) {
         EXPECT_GT(QFileInfo(Install + QStringLiteral("/Temp/") + Object).size(), 0)
             << Object.toStdString();
     }
+}
+
+TEST_F(BundledComponentTest, ASharedStickyTempGivesEachUserAFolderOfHisOwn) {
+    // A system-wide installation's Temp, writable by all as /tmp is.
+    const QString Temp = Install + QStringLiteral("/Temp");
+    ASSERT_EQ(::chmod(QFile::encodeName(Temp).constData(), 01777), 0);
+    MakeProject(QStringLiteral("blink"), {{QStringLiteral("main"), HelloProgram}});
+    ASSERT_TRUE(Compile()) << BoxTexts().join(QLatin1Char('\n')).toStdString();
+    const QString Own = Temp + QStringLiteral("/user-") + QString::number(::getuid());
+    EXPECT_EQ(QDir(Temp).entryList(QDir::Files | QDir::NoDotAndDotDot), QStringList());
+    EXPECT_EQ(QDir(Own).entryList(QDir::Files | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("main.kvo")});
+    EXPECT_EQ(QFileInfo(Own).permissions() &
+                  (QFile::ReadOther | QFile::WriteOther | QFile::ReadGroup | QFile::WriteGroup),
+              QFile::Permissions());
 }
 
 TEST_F(BundledComponentTest, ATempDirectoryThatIsMissingIsMade) {

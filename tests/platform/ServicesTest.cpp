@@ -287,3 +287,73 @@ TEST_F(IniSettingsStoreFile, SaveOnAFullDiskKeepsTheFileAndTellsWhy) {
     EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Work_Dir")),
               QStringLiteral("/home/ann/other"));
 }
+
+namespace {
+
+// A user's settings file and a system-wide one behind it, as a package installs it.
+class SystemWideSettings : public IniSettingsStoreFile {
+  protected:
+    void SetUp() override {
+        IniSettingsStoreFile::SetUp();
+        ASSERT_TRUE(System.isValid());
+        ASSERT_TRUE(QDir().mkpath(System.filePath(QStringLiteral("Kavlin"))));
+        QFile File(SystemFile());
+        ASSERT_TRUE(File.open(QIODevice::WriteOnly));
+        File.write("[Config]\nRun_Dir=/var/lib/kavlin\nWork_Dir=/srv/projects\n");
+    }
+    QString SystemFile() const { return System.filePath(QStringLiteral("Kavlin/Kavlin.conf")); }
+    void WriteUserFile(const QByteArray& Bytes) {
+        ASSERT_TRUE(QDir().mkpath(Folder.filePath(QStringLiteral("Kavlin"))));
+        QFile File(Folder.filePath(QStringLiteral("Kavlin/Kavlin.conf")));
+        ASSERT_TRUE(File.open(QIODevice::WriteOnly));
+        File.write(Bytes);
+    }
+    QTemporaryDir System;
+};
+
+TEST_F(SystemWideSettings, AKeyTheUserHasNotSetIsReadFromTheSystemWideFile) {
+    IniSettingsStore Store(Folder.path(), {System.path()});
+    EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Run_Dir")),
+              QStringLiteral("/var/lib/kavlin"));
+    EXPECT_FALSE(Store.UserFileHolds(Kavlin, Config, QStringLiteral("Run_Dir")));
+    EXPECT_TRUE(Store.GetSetting(Kavlin, Config, QStringLiteral("Chip_Type")).isEmpty());
+}
+
+TEST_F(SystemWideSettings, TheUsersOwnValueHidesTheSystemWideOneEvenWhenEmpty) {
+    WriteUserFile("[Config]\nRun_Dir=/home/ann/.local/share/kavlin\nWork_Dir=\n");
+    IniSettingsStore Store(Folder.path(), {System.path()});
+    EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Run_Dir")),
+              QStringLiteral("/home/ann/.local/share/kavlin"));
+    EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Work_Dir")), QString());
+    EXPECT_TRUE(Store.UserFileHolds(Kavlin, Config, QStringLiteral("Work_Dir")));
+}
+
+TEST_F(SystemWideSettings, SavingWritesTheUsersFileOnlyAndAnEmptyValueHidesTheSystemOne) {
+    IniSettingsStore Store(Folder.path(), {System.path()});
+    ASSERT_TRUE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Work_Dir"), QString()));
+    ASSERT_TRUE(Store.SaveSetting(Kavlin, Config, QStringLiteral("Run_Dir"),
+                                  QStringLiteral("/var/lib/kavlin")));
+    EXPECT_EQ(FileText(), QStringLiteral("[Config]\nWork_Dir=\nRun_Dir=/var/lib/kavlin\n"));
+    EXPECT_EQ(Store.GetSetting(Kavlin, Config, QStringLiteral("Work_Dir")), QString());
+    QFile File(SystemFile());
+    ASSERT_TRUE(File.open(QIODevice::ReadOnly));
+    EXPECT_EQ(File.readAll(),
+              QByteArray("[Config]\nRun_Dir=/var/lib/kavlin\nWork_Dir=/srv/projects\n"));
+}
+
+TEST_F(SystemWideSettings, TheProgramsStoreReadsXdgConfigDirsBehindTheUsersFolder) {
+    const QByteArray OldHome = qgetenv("XDG_CONFIG_HOME");
+    const QByteArray OldDirs = qgetenv("XDG_CONFIG_DIRS");
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(Folder.path()));
+    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(System.path()));
+    WriteUserFile("[Config]\nWork_Dir=/home/ann/work\n");
+    IniSettingsStore Store;
+    const QString RunDir = Store.GetSetting(Kavlin, Config, QStringLiteral("Run_Dir"));
+    const QString WorkDir = Store.GetSetting(Kavlin, Config, QStringLiteral("Work_Dir"));
+    qputenv("XDG_CONFIG_HOME", OldHome);
+    qputenv("XDG_CONFIG_DIRS", OldDirs);
+    EXPECT_EQ(RunDir, QStringLiteral("/var/lib/kavlin"));
+    EXPECT_EQ(WorkDir, QStringLiteral("/home/ann/work"));
+}
+
+}  // namespace
