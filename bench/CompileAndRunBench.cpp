@@ -23,10 +23,10 @@
 #include <memory>
 #include <string>
 
+#include "ProgramRig.h"
 #include "WindowBench.h"
 #include "WireBench.h"
 #include "chip/ConfigurationBytes.h"
-#include "chip/PrfImageBuilder.h"
 #include "compile/CompilerCentral.h"
 #include "editor/EditBoxModuleWindow.h"
 #include "editor/frmSourceEditor.h"
@@ -42,17 +42,8 @@
 
 namespace {
 
-// Every box is answered at once with its default button, and kept as
-// "Title|Text": what the user saw.
-class RecordingMessageBoxService : public MessageBoxService {
-  public:
-    int Show(const QString& Text, const QString& Title, MsgBoxButtons Buttons,
-             MsgBoxIcon) override {
-        Shown << Title + QLatin1Char('|') + Text;
-        return DefaultAnswer(Buttons);
-    }
-    QStringList Shown;
-};
+using ProgramRig::RecordingMessageBoxService;
+using ProgramRig::Setting;
 
 const QString VerifyBox = QStringLiteral("Verify Error|Verify error, external EEPROM");
 const QString DownloadErrorBox = QStringLiteral("Download Error|Download error:\n");
@@ -121,23 +112,14 @@ class CompileAndRunRig {
     bool Ready = false;
 
   private:
-    static void Setting(const QString& Key, const QString& Value) {
-        SettingsStore::Instance().SaveSetting(QStringLiteral("Kavlin"), QStringLiteral("Config"),
-                                              Key, Value);
-    }
     bool WriteFile(const QString& Name, const QByteArray& Content) const {
-        QFile File(Folder.path() + QLatin1Char('/') + Name);
-        return File.open(QIODevice::WriteOnly) && File.write(Content) == Content.size();
+        return ProgramRig::WriteFile(Folder.path() + QLatin1Char('/') + Name, Content);
     }
     bool MakeInstallation(int32_t ImageBytes) {
         const QString Install = Folder.path() + QStringLiteral("/install");
         Work = Folder.path() + QStringLiteral("/work");
-        for (const QString& Dir :
-             {Install + QStringLiteral("/Temp"), Install + QStringLiteral("/BinKV10"),
-              Install + QStringLiteral("/BinKV20"), Work}) {
-            if (!Folder.isValid() || !QDir().mkpath(Dir)) {
-                return false;
-            }
+        if (!Folder.isValid() || !ProgramRig::MakeFolders(Install, {Work})) {
+            return false;
         }
         Setting(QStringLiteral("Run_Dir"), Install);
         Setting(QStringLiteral("Work_Dir"), Work);
@@ -150,15 +132,15 @@ class CompileAndRunRig {
                            Install + QStringLiteral("/libKvComp141.so")) &&
                WriteFile(QStringLiteral("script.txt"),
                          "sizes=" + QByteArray::number(ImageBytes) + ",16,0\n") &&
-               WriteFile(QStringLiteral("work/blink.kvp"), "main.bas\r\n") &&
-               WriteFile(QStringLiteral("work/main.bas"),
-                         "Option Explicit\r\nDim Count As Integer\r\n"
-                         "Public Sub Main()\r\n  Do\r\n    Count = Count + 1\r\n"
-                         "    Call Delay(0.5)\r\n  Loop\r\nEnd Sub\r\n") &&
-               PrfImageBuilder()
-                   .AllPins(kvInputTristate)
-                   .DefaultValues(2)
-                   .Save(Work + QStringLiteral("/blink.prf"));
+               ProgramRig::WriteBlinkProject(Work,
+                                             "Option Explicit\r\n"
+                                             "Dim Count As Integer\r\n"
+                                             "Public Sub Main()\r\n"
+                                             "  Do\r\n"
+                                             "    Count = Count + 1\r\n"
+                                             "    Call Delay(0.5)\r\n"
+                                             "  Loop\r\n"
+                                             "End Sub\r\n");
     }
 
     QTemporaryDir Folder;

@@ -124,13 +124,13 @@ class PrintingChildProcess {
             timespec Start{};
             ::clock_gettime(CLOCK_MONOTONIC, &Start);
             int64_t Written = 0;
-            const int64_t Total = std::min<int64_t>(
-                Text.size(), DurationUs * 1000 / SimulatedSerialLine::ByteNs);
+            const int64_t Total =
+                std::min<int64_t>(Text.size(), DurationUs * 1000 / SimulatedSerialLine::ByteNs);
             while (Written < Total) {
                 timespec Now{};
                 ::clock_gettime(CLOCK_MONOTONIC, &Now);
-                const int64_t ElapsedNs = (Now.tv_sec - Start.tv_sec) * 1'000'000'000 +
-                                          (Now.tv_nsec - Start.tv_nsec);
+                const int64_t ElapsedNs =
+                    (Now.tv_sec - Start.tv_sec) * 1'000'000'000 + (Now.tv_nsec - Start.tv_nsec);
                 const int64_t Due =
                     std::min<int64_t>(Total, ElapsedNs / SimulatedSerialLine::ByteNs);
                 while (Written < Due) {
@@ -203,8 +203,7 @@ struct MonitorRig {
     bool Ready = false;
     bool WithBare = false;
 
-    explicit MonitorRig(bool FeedBare, const QString& Device = QString())
-        : WithBare(FeedBare) {
+    explicit MonitorRig(bool FeedBare, const QString& Device = QString()) : WithBare(FeedBare) {
         SerialDevices::SetDeviceLister([] { return QStringList(); });
         SimulatedSerialLine::InstallAsSimulatedChip(Line);
         if (!Device.isEmpty()) {
@@ -379,8 +378,7 @@ void MonitorRealTimeSixtySeconds(benchmark::State& State) {
         const double DueMs = LastFiredMs < 0 ? FiredMs : LastFiredMs + 37.0;
         LastFiredMs = FiredMs;
         QTest::keyClick(Module.rtfEditBox, Keys % 40 == 0 ? Qt::Key_Return : Qt::Key_A);
-        LatencyMs.push_back(
-            std::max(0.0, static_cast<double>(Since.nsecsElapsed()) / 1e6 - DueMs));
+        LatencyMs.push_back(std::max(0.0, static_cast<double>(Since.nsecsElapsed()) / 1e6 - DueMs));
     });
     if (Child) {
         Child->Go();
@@ -411,10 +409,9 @@ void MonitorRealTimeSixtySeconds(benchmark::State& State) {
     const int64_t Written = Child ? Child->WrittenBytes(2000) : 0;
     QTest::qWait(300);
     Rig.Poll();
-    const int64_t Delivered =
-        Child ? Written
-              : (ClockService::Instance().MicroTicks() - StartUs) * 1000 /
-                    SimulatedSerialLine::ByteNs;
+    const int64_t Delivered = Child ? Written
+                                    : (ClockService::Instance().MicroTicks() - StartUs) * 1000 /
+                                          SimulatedSerialLine::ByteNs;
     Rig.Compare(Program.Printed().left(std::min<int64_t>(Delivered, Program.Printed().size())),
                 State);
     std::sort(LatencyMs.begin(), LatencyMs.end());

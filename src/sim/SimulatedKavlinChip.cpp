@@ -163,8 +163,9 @@ void SimulatedKavlinChip::StartProgram(int64_t Ns) {
     Board.LoadConfigurationBlock(ChipType, std::span<const uint8_t>(InternalEeprom.data(), 32));
     Machine_ = std::make_unique<BytecodeMachine>(
         BytecodeMachine::Memories{Ram, InternalEeprom, Image}, *ProgramSerial_, Board);
-    HeldNs_ = Ns;
-    TransmitFreeNs_ = Ns;
+    // The program's time starts once the start-up code is done.
+    HeldNs_ = Ns + StartupCodeNs;
+    TransmitFreeNs_ = HeldNs_;
     PersistentSeen_.assign(InternalEeprom.begin() + PersistentStart, InternalEeprom.end());
     Machine_->Start(0);
 }
@@ -254,7 +255,10 @@ void SimulatedKavlinChip::PressReset(int64_t Ns) {
 void SimulatedKavlinChip::Receive(uint8_t Byte, int64_t Ns) {
     LineTimeIs(Ns);
     if (!InMonitor_) {
-        if (PcLinkProgram && Byte == 0x01) {
+        // A running program keeps the PC link (the KV-20 and KV-30 default):
+        // the sync byte halts it into the monitor without ATN, as the watch
+        // window's samples halt it.
+        if ((PcLinkProgram || ProgramRunning()) && Byte == 0x01) {
             EnterMonitor(Ns);
             Reply(QByteArray(1, static_cast<char>(Acknowledge)), Ns, false);
             return;

@@ -101,7 +101,9 @@ class SimulatedKavlinChip {
     // The pins and LEDs as the program drives them.
     SimulatedChipBoard Board;
 
-    // The user program answers the sync byte itself, so no ATN is needed.
+    // The user program answers the sync byte itself, so no ATN is needed,
+    // even with no image running; a program running on the bytecode machine
+    // always answers it.
     bool PcLinkProgram = false;
     // The user program keeps ATN from catching the monitor; only ATN moving
     // while the chip starts up gets in then.
@@ -115,6 +117,11 @@ class SimulatedKavlinChip {
     int ReceiveBufferBytes = 64;
     // From a byte's end to the start of the answer.
     int64_t ReplyLatencyNs = 20'000;
+    // From a reset to the program's first instruction: the start-up code
+    // sets the pins from the configuration block and clears RAM. A host that
+    // hands the line from the download link to the monitor port meanwhile
+    // misses nothing of what the program prints.
+    int64_t StartupCodeNs = 2'000'000;
     // How long after a reset the start-up code looks at ATN.
     int64_t StartupWindowNs = 100'000'000;
 

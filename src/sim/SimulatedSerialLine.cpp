@@ -1,5 +1,6 @@
 #include "sim/SimulatedSerialLine.h"
 
+#include <QStringList>
 #include <algorithm>
 
 #include "platform/ClockService.h"
@@ -19,6 +20,29 @@ void SimulatedSerialLine::InstallAsSimulatedChip(const std::shared_ptr<Simulated
 }
 
 void SimulatedSerialLine::UninstallSimulatedChip() { SerialDevices::SetSimulatedDevice(nullptr); }
+
+int64_t SimulatedSerialLine::ByteNsFor(const QString& Settings) {
+    const QStringList Parts = Settings.split(QLatin1Char(','));
+    int64_t Baud = Parts.value(0).trimmed().toInt();
+    if (Baud <= 0) {
+        Baud = 9600;
+    }
+    const int Data = Parts.value(2).trimmed().toInt();
+    const int DataBits = Data >= 5 && Data <= 7 ? Data : 8;
+    const QString Parity = Parts.value(1).trimmed().toUpper();
+    const int ParityBits = QStringList{QStringLiteral("E"), QStringLiteral("O"),
+                                       QStringLiteral("S"), QStringLiteral("M")}
+                                   .contains(Parity)
+                               ? 1
+                               : 0;
+    const QString Stop = Parts.value(3).trimmed();
+    const int StopHalfBits = Stop == QStringLiteral("2")     ? 4
+                             : Stop == QStringLiteral("1.5") ? 3
+                                                             : 2;
+    // Counted in half bits, for 1.5 stop bits.
+    const int64_t HalfBits = 2 * (1 + DataBits + ParityBits) + StopHalfBits;
+    return (HalfBits * 1'000'000'000 + Baud) / (2 * Baud);
+}
 
 int64_t SimulatedSerialLine::NowNs() const {
     // The line never runs backwards, even if the clock is set back.
@@ -46,7 +70,7 @@ void SimulatedSerialLine::ForgetHostEvents() {
 
 void SimulatedSerialLine::ScheduleReply(const QByteArray& Bytes, int64_t StartNs) {
     const int64_t Start = std::max(StartNs, ChipLineFreeNs);
-    ChipLineFreeNs = Start + ByteNs * Bytes.size();
+    ChipLineFreeNs = Start + ByteNs_ * Bytes.size();
     ToHost.push_back({Bytes, ChipLineFreeNs});
 }
 
@@ -126,6 +150,9 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
             SerialPortErrors::RaisePortAlreadyOpen();
         }
         Open = true;
+        // The line and the chip's UART take up the rate the host asked for.
+        ByteNs_ = ByteNsFor(Settings_);
+        Chip_->TransmitByteNs = ByteNs_;
         HostLineFreeNs = LineNs;
         Record(HostEvent::Open);
         DriveAtn(DTREnable_, LineNs);
@@ -138,12 +165,14 @@ void SimulatedSerialLine::SetPortOpen(bool Value) {
         RaiseError(SerialPortErrors::PortNotOpen, QStringLiteral("The port could not be closed"));
     }
     // Closing waits until what the host sent has left the wire, as the
-    // system's close of a serial device does; it then drops what is on its
-    // way to the host and lowers DTR: a closed port receives nothing.
+    // system's close of a serial device does; it then drops what it had
+    // received and lowers DTR. A closed port receives nothing, but the chip
+    // goes on sending: what comes in after the port is opened again is
+    // received, as the program's first print after a start that the host
+    // hands over from the download link to the monitor.
     SleepUntil(HostLineFreeNs);
     AdvanceTo(std::max(NowNs(), HostLineFreeNs));
     ToChip.clear();
-    ToHost.clear();
     InBuffer.clear();
     CommEvents_.clear();
     Open = false;
@@ -159,7 +188,7 @@ void SimulatedSerialLine::Output(const QByteArray& Bytes) {
     }
     AdvanceTo(NowNs());
     for (const char Byte : Bytes) {
-        HostLineFreeNs = std::max(HostLineFreeNs, LineNs) + ByteNs;
+        HostLineFreeNs = std::max(HostLineFreeNs, LineNs) + ByteNs_;
         ToChip.push_back({static_cast<uint8_t>(Byte), HostLineFreeNs});
     }
     Sent.append(Bytes);

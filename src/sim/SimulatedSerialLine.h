@@ -8,15 +8,23 @@
 #include "sim/SimulatedKavlinChip.h"
 
 // The serial line between the host and a simulated chip, as a serial port
-// object. It is paced as the wire is, 10 bits a byte at 115200 baud, on the
-// clock of the clock-and-pump service: in a test that is virtual time, in the
-// program real time. A byte reaches the chip when its stop bit ends; a reply
-// of the chip reaches the host's input buffer whole, once its last byte is
-// in, as a serial adapter hands over what came in one go.
+// object. It is paced as the wire is, at the rate and framing the host set
+// on the port when it opened it (both ways: the chip's UART runs at the same
+// rate), on the clock of the clock-and-pump service: in a test that is
+// virtual time, in the program real time. A byte reaches the chip when its
+// stop bit ends; a reply of the chip reaches the host's input buffer whole,
+// once its last byte is in, as a serial adapter hands over what came in one
+// go.
 class SimulatedSerialLine : public SerialPort {
   public:
-    // 10 bits at 115200 baud, in nanoseconds.
+    // 10 bits at 115200 baud, in nanoseconds: the download link's rate.
     static constexpr int64_t ByteNs = 86'806;
+    // One byte on the wire with the port's settings ("19200,E,7,2"): a start
+    // bit, the data bits, a parity bit unless N, the stop bits, read as a
+    // hardware port reads them (a rate that is no number is 9600).
+    static int64_t ByteNsFor(const QString& Settings);
+    // The byte time the line runs at, taken up when the port opens.
+    int64_t LineByteNs() const { return ByteNs_; }
 
     explicit SimulatedSerialLine(
         std::shared_ptr<SimulatedKavlinChip> Chip = std::make_shared<SimulatedKavlinChip>());
@@ -102,6 +110,7 @@ class SimulatedSerialLine : public SerialPort {
     std::deque<Reply> ToHost;
     QByteArray InBuffer;
     int64_t LineNs = 0;
+    int64_t ByteNs_ = ByteNs;
     int64_t HostLineFreeNs = 0;
     int64_t ChipLineFreeNs = 0;
     std::vector<HostEvent> Events;

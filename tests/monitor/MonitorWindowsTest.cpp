@@ -279,6 +279,8 @@ TEST_F(MonitorWindowTest, NothingIsReadWhileTheDownloadLinkHoldsTheLine) {
     frmDownloader& Window = Load();
     SerialPortObject Download;
     Download.SetCommPort(SerialDevices::SimulatedChipPort);
+    // At the link's rate the twelve bytes are in within the 5 ms.
+    Download.SetSettings(QStringLiteral("115200,N,8,1"));
     Download.SetPortOpen(true);
     Line->ProgramPrints("for the link");
     Clock->NowMs += 5;

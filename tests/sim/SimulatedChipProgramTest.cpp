@@ -42,6 +42,8 @@ class SimulatedChipProgramTest : public ::testing::Test {
         ClockService::Install(std::move(Virtual));
         Line = std::make_shared<SimulatedSerialLine>();
         Line->SetInBufferSize(32767);
+        // The host opens the line at the link's rate.
+        Line->SetSettings(QStringLiteral("115200,N,8,1"));
         Line->SetPortOpen(true);
     }
     void TearDown() override {
@@ -111,6 +113,20 @@ TEST_F(SimulatedChipProgramTest, AfterTheResetBytesTheImageRunsAndItsPrintsReach
     EXPECT_EQ(RamLong(Symbols.at("Count")), 3);
 }
 
+TEST_F(SimulatedChipProgramTest, TheProgramStartsOnceTheStartUpCodeIsDone) {
+    Flash(Ticker);
+    Halt();
+    Line->Output(QByteArray::fromHex("10D600"));
+    Line->WaitForOutputDrain(1'000'000);
+    const int64_t ResetEndsUs = (Line->LastByteEndsNs() + 999) / 1000;
+    Clock->SleepMicroseconds(ResetEndsUs + Chip().StartupCodeNs / 1000 - Clock->MicroTicks() - 10);
+    Line->CatchUp();
+    EXPECT_EQ(RamLong(Symbols.at("Count")), 0) << "the start-up code still runs";
+    Wait(2);
+    EXPECT_EQ(RamLong(Symbols.at("Count")), 1);
+    EXPECT_EQ(Chip().StartupCodeNs, 2'000'000);
+}
+
 TEST_F(SimulatedChipProgramTest, NothingRunsBeforeTheHostLetsTheChipGo) {
     Flash(Ticker);
     Wait(1000);
@@ -119,6 +135,8 @@ TEST_F(SimulatedChipProgramTest, NothingRunsBeforeTheHostLetsTheChipGo) {
 }
 
 TEST_F(SimulatedChipProgramTest, AtnStopsTheProgramWithItsVariablesKeptAndContinueResumesIt) {
+    // Timed from the reset to the tick: no start-up code in between.
+    Chip().StartupCodeNs = 0;
     Flash(Ticker);
     Execute();
     Wait(150);
@@ -135,6 +153,26 @@ TEST_F(SimulatedChipProgramTest, AtnStopsTheProgramWithItsVariablesKeptAndContin
     Wait(48);
     EXPECT_EQ(Read(), QByteArray());
     Wait(3);
+    EXPECT_EQ(Read(), QByteArray("tick 3\r\n"));
+}
+
+TEST_F(SimulatedChipProgramTest, TheSyncByteAloneHaltsARunningProgramAndContinueResumesIt) {
+    Flash(Ticker);
+    Execute();
+    Wait(150);
+    EXPECT_EQ(Read(), QByteArray("tick 1\r\ntick 2\r\n"));
+    const int CatchesBefore = Chip().CatchCount;
+    // No ATN: the PC link's sync byte, answered by the monitor.
+    Line->Output(QByteArray::fromHex("01"));
+    Wait(1);
+    EXPECT_TRUE(Chip().InMonitor());
+    EXPECT_EQ(Chip().CatchCount, CatchesBefore + 1);
+    EXPECT_EQ(Read(), QByteArray(1, static_cast<char>(SimulatedKavlinChip::Acknowledge)));
+    EXPECT_EQ(Chip().ProgramInput, QByteArray()) << "the program never saw the sync byte";
+    Wait(1000);
+    EXPECT_EQ(RamLong(Symbols.at("Count")), 2);
+    Continue();
+    Wait(100);
     EXPECT_EQ(Read(), QByteArray("tick 3\r\n"));
 }
 
@@ -174,6 +212,8 @@ Again:
 }
 
 TEST_F(SimulatedChipProgramTest, APrintFasterThanTheLineIsHeldBackByTheTransmitFifo) {
+    // The line's second from the reset on is the program's.
+    Chip().StartupCodeNs = 0;
     Flash(R"(
 .var Printed 4
 Main:
@@ -292,6 +332,7 @@ Main:
 
     Line = std::make_shared<SimulatedSerialLine>();
     Line->SetInBufferSize(32767);
+    Line->SetSettings(QStringLiteral("115200,N,8,1"));
     Line->SetPortOpen(true);
     Chip().KeepEepromsIn(std::make_unique<SimulatedChipStore>(Folder.path()));
     EXPECT_EQ(Chip().InternalEeprom[32], 2);

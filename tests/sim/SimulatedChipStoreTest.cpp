@@ -103,6 +103,8 @@ class SimulatedChipStoreTest : public ::testing::Test {
         Chip->KeepEepromsIn(std::make_unique<SimulatedChipStore>(Folder));
         Line = std::make_shared<SimulatedSerialLine>(Chip);
         Line->SetInBufferSize(4096);
+        // The host opens the line at the link's rate.
+        Line->SetSettings(QStringLiteral("115200,N,8,1"));
         Line->SetPortOpen(true);
     }
     SimulatedKavlinChip& Chip() { return Line->Chip(); }

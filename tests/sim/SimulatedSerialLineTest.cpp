@@ -16,6 +16,8 @@ class SimulatedSerialLineTest : public ::testing::Test {
         ClockService::Install(std::move(Virtual));
         Line = std::make_shared<SimulatedSerialLine>();
         Line->SetInBufferSize(4096);
+        // The host opens the line at the link's rate.
+        Line->SetSettings(QStringLiteral("115200,N,8,1"));
         Line->SetPortOpen(true);
     }
     void TearDown() override { ClockService::Install(std::make_unique<VirtualClockService>()); }
@@ -240,6 +242,25 @@ TEST_F(SimulatedSerialLineTest, ClosedPortReceivesNothingOfWhatWasPrinted) {
     EXPECT_EQ(Line->InBufferCount(), 0);
 }
 
+TEST_F(SimulatedSerialLineTest, APrintUnderWayIsReceivedFromTheMomentThePortIsOpenAgain) {
+    // One byte every 86.8 us: "h" and "e" are in at 200 us, "l" comes while
+    // the port is closed, "l" and "o" after it is open again.
+    Line->ProgramPrints("hello");
+    Clock->SleepMicroseconds(200);
+    Line->SetPortOpen(false);
+    Clock->SleepMicroseconds(100);
+    Line->SetPortOpen(true);
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("lo"));
+    // Closed and opened again at once, as the download link hands the line
+    // to the monitor port: nothing of the print is lost.
+    Line->ProgramPrints("start");
+    Line->SetPortOpen(false);
+    Line->SetPortOpen(true);
+    Clock->SleepMicroseconds(1000);
+    EXPECT_EQ(Line->Input(), QByteArray("start"));
+}
+
 TEST_F(SimulatedSerialLineTest, LineEventsAreTakenOnceAndOverflowIsOne) {
     Line->LineEvent(CommEvents::Break);
     EXPECT_EQ(Line->TakeCommEvents(), QList<int32_t>({CommEvents::Break}));
@@ -251,6 +272,68 @@ TEST_F(SimulatedSerialLineTest, LineEventsAreTakenOnceAndOverflowIsOne) {
     Clock->SleepMicroseconds(1000);
     EXPECT_EQ(Line->Input(), QByteArray("1234"));
     EXPECT_TRUE(Line->TakeCommEvents().contains(CommEvents::ReceiveOverflow));
+}
+
+TEST_F(SimulatedSerialLineTest, AByteTakesItsStartDataParityAndStopBitsAtTheSettingsRate) {
+    EXPECT_EQ(SimulatedSerialLine::ByteNsFor(QStringLiteral("115200,N,8,1")),
+              SimulatedSerialLine::ByteNs);
+    EXPECT_EQ(SimulatedSerialLine::ByteNsFor(QStringLiteral("19200,N,8,1")), 520'833);
+    // 1 + 7 + 1 + 2 bits.
+    EXPECT_EQ(SimulatedSerialLine::ByteNsFor(QStringLiteral("9600,E,7,2")), 1'145'833);
+    EXPECT_EQ(SimulatedSerialLine::ByteNsFor(QStringLiteral("2400,n,8,1.5")), 4'375'000);
+    EXPECT_EQ(SimulatedSerialLine::ByteNsFor(QStringLiteral("  1200 , M , 5 , 1")), 6'666'667);
+    // A rate that is no number is taken as 9600, as a hardware port takes it.
+    EXPECT_EQ(SimulatedSerialLine::ByteNsFor(QStringLiteral("fast,N,8,1")), 1'041'667);
+}
+
+// The host reopens the line with the monitor port's settings.
+void ReopenAt(SimulatedSerialLine& Line, const QString& Settings) {
+    Line.SetPortOpen(false);
+    Line.SetSettings(Settings);
+    Line.SetPortOpen(true);
+}
+
+TEST_F(SimulatedSerialLineTest, At19200BaudTheHostsBytesReachTheChipAtThatRate) {
+    ReopenAt(*Line, QStringLiteral("19200,N,8,1"));
+    EXPECT_EQ(Line->LineByteNs(), 520'833);
+    Line->TransmitFifoBytes = 0;
+    const int64_t StartUs = Clock->MicroTicks();
+    Line->Output("hello");
+    Line->WaitForOutputDrain(1'000'000);
+    EXPECT_EQ(Clock->MicroTicks() - StartUs, (5 * 520'833 + 999) / 1000);
+    // Four byte times in, the fifth byte is still on the wire.
+    ReopenAt(*Line, QStringLiteral("19200,N,8,1"));
+    Line->Chip().ProgramInput.clear();
+    Line->Output("world");
+    Clock->SleepMicroseconds(4 * 520'833 / 1000 + 1);
+    Line->OutBufferCount();
+    EXPECT_EQ(Line->Chip().ProgramInput, QByteArray("worl"));
+}
+
+TEST_F(SimulatedSerialLineTest, At19200BaudWhatTheProgramPrintsReachesTheHostAtThatRate) {
+    ReopenAt(*Line, QStringLiteral("19200,N,8,1"));
+    const int64_t StartNs = Clock->MicroTicks() * 1000;
+    Line->ProgramPrints("0123456789");
+    // At 115200 baud all ten bytes would be in after 0.87 ms.
+    Clock->SleepMicroseconds(10 * SimulatedSerialLine::ByteNs / 1000 + 10);
+    EXPECT_EQ(Line->Input(), QByteArray("0"));
+    const int64_t TenBytesUs = (StartNs + 10 * 520'833) / 1000 + 1;
+    Clock->SleepMicroseconds(TenBytesUs - Clock->MicroTicks() - 2);
+    EXPECT_EQ(Line->Input(), QByteArray("12345678"));
+    Clock->SleepMicroseconds(3);
+    EXPECT_EQ(Line->Input(), QByteArray("9"));
+}
+
+TEST_F(SimulatedSerialLineTest, ReopenedAt115200TheLineRunsAtTheLinkRateAgain) {
+    ReopenAt(*Line, QStringLiteral("19200,N,8,1"));
+    ReopenAt(*Line, QStringLiteral("115200,N,8,1"));
+    EXPECT_EQ(Line->LineByteNs(), SimulatedSerialLine::ByteNs);
+    EXPECT_EQ(Line->Chip().TransmitByteNs, SimulatedSerialLine::ByteNs);
+    const int64_t StartNs = Clock->MicroTicks() * 1000;
+    Line->ProgramPrints("0123456789");
+    Clock->SleepMicroseconds((StartNs + 10 * SimulatedSerialLine::ByteNs) / 1000 + 1 -
+                             Clock->MicroTicks());
+    EXPECT_EQ(Line->Input(), QByteArray("0123456789"));
 }
 
 }  // namespace

@@ -49,6 +49,8 @@ class SimulatedChipWindowTest : public ::testing::Test {
         Clock = Virtual.get();
         ClockService::Install(std::move(Virtual));
         Line = std::make_shared<SimulatedSerialLine>();
+        // The host opens the line at the link's rate.
+        Line->SetSettings(QStringLiteral("115200,N,8,1"));
         Line->SetPortOpen(true);
         frmSimulatedChip::Attach(Line);
     }
