@@ -19,11 +19,6 @@ bool Take(int& Count) {
 
 uint8_t Checksum(uint8_t Sum) { return static_cast<uint8_t>(-Sum); }
 
-// The program runs in slices of its own time, so that a print that fills the
-// transmit FIFO holds it back before it gets far ahead of the line: a slice
-// ends at the next byte on the wire at the latest, so the program prints at
-// most a slice's worth (some tens of bytes) beyond the FIFO.
-constexpr int64_t ProgramSliceNs = 1'000'000;
 // Persistent variables lie behind the 32 bytes of the configuration block.
 constexpr size_t PersistentStart = 32;
 }  // namespace
@@ -212,8 +207,18 @@ void SimulatedKavlinChip::RunProgram(int64_t Ns) {
             HeldNs_ += std::min(RoomAt, Ns) - LineNow;
             continue;
         }
+        // A running program goes a byte's time at a time, so that it prints
+        // no more than a few bytes before the FIFO holds it back; a wait is
+        // skipped to its end, and a read with nothing to read to Ns.
+        int64_t Until = std::min(Ns, LineNow + TransmitByteNs);
+        if (Machine_->CurrentState() == BytecodeMachine::State::Sleeping) {
+            Until = std::min(Ns, std::max(Until, Machine_->WakeNs() + HeldNs_));
+        } else if (Machine_->CurrentState() == BytecodeMachine::State::WaitingForInput &&
+                   ReceiveBuffer_.empty()) {
+            Until = Ns;
+        }
         const int64_t Before = Machine_->Now();
-        Machine_->RunUntil(std::min(Ns, LineNow + ProgramSliceNs) - HeldNs_);
+        Machine_->RunUntil(Until - HeldNs_);
         if (Machine_->Now() == Before && !Machine_->Stopped()) {
             // Less time left than one instruction takes.
             break;
