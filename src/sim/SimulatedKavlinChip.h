@@ -108,7 +108,8 @@ class SimulatedKavlinChip {
     // The user program keeps ATN from catching the monitor; only ATN moving
     // while the chip starts up gets in then.
     bool ProgramHoldsOffAtn = false;
-    // The program's bytes go out at this pace: 10 bits at 115200 baud.
+    // The program's bytes go out at this pace; the line sets it from the
+    // settings the host opens the port with (10 bits at 115200 baud until then).
     int64_t TransmitByteNs = 86'806;
     // Bytes the chip's UART holds before a print must wait.
     int TransmitFifoBytes = 16;
@@ -175,8 +176,8 @@ class SimulatedKavlinChip {
 
     std::unique_ptr<ProgramSerial> ProgramSerial_;
     std::unique_ptr<BytecodeMachine> Machine_;
-    // Line time minus the program's own time: what the monitor and a full
-    // transmit FIFO held the program back.
+    // Line time minus the program's own time: the start-up code, the monitor
+    // and a full transmit FIFO held the program back this long.
     int64_t HeldNs_ = 0;
     int64_t HaltedAtNs_ = 0;
     // When the UART has sent every byte the program printed.
