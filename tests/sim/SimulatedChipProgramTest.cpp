@@ -4,12 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
-#include <algorithm>
 
-#include "kvasm/BytecodeAssembler.h"
+#include "SimulatedChipFixture.h"
 #include "sim/SimulatedChipStore.h"
-#include "sim/SimulatedSerialLine.h"
-#include "support/VirtualClockService.h"
 
 namespace {
 
@@ -34,39 +31,8 @@ Again:
     jmp Again
 )";
 
-class SimulatedChipProgramTest : public ::testing::Test {
+class SimulatedChipProgramTest : public SimulatedChipFixture {
   protected:
-    void SetUp() override {
-        auto Virtual = std::make_unique<VirtualClockService>();
-        Clock = Virtual.get();
-        ClockService::Install(std::move(Virtual));
-        Line = std::make_shared<SimulatedSerialLine>();
-        Line->SetInBufferSize(32767);
-        // The host opens the line at the link's rate.
-        Line->SetSettings(QStringLiteral("115200,N,8,1"));
-        Line->SetPortOpen(true);
-    }
-    void TearDown() override {
-        Line.reset();
-        ClockService::Install(std::make_unique<VirtualClockService>());
-    }
-
-    SimulatedKavlinChip& Chip() { return Line->Chip(); }
-
-    // Puts an image into the external EEPROM, as a download leaves it.
-    void Flash(const char* Source) {
-        const BytecodeAssembler::Result Assembled = BytecodeAssembler::Assemble(Source);
-        ASSERT_TRUE(Assembled.Ok) << Assembled.Error;
-        std::copy(Assembled.Image.begin(), Assembled.Image.end(),
-                  Chip().ExternalEeprom.Memory.begin());
-        Symbols = Assembled.Symbols;
-    }
-    // The configuration block of a KV-20 with every pin at its default.
-    void DefaultBlock() {
-        const uint8_t Block[32] = {2, 6, 0, 0, 0, 0, 176, 176};
-        std::copy(std::begin(Block), std::end(Block), Chip().InternalEeprom.begin());
-        Chip().InternalEeprom[31] = 255;
-    }
     void Halt() {
         Line->SetDTREnable(true);
         Line->SetDTREnable(false);
@@ -97,10 +63,6 @@ class SimulatedChipProgramTest : public ::testing::Test {
         }
         return Value;
     }
-
-    VirtualClockService* Clock = nullptr;
-    std::shared_ptr<SimulatedSerialLine> Line;
-    std::map<std::string, int64_t> Symbols;
 };
 
 TEST_F(SimulatedChipProgramTest, AfterTheResetBytesTheImageRunsAndItsPrintsReachTheHost) {

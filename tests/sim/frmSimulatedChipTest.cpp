@@ -7,16 +7,13 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QTest>
-#include <algorithm>
 
-#include "kvasm/BytecodeAssembler.h"
+#include "SimulatedChipFixture.h"
 #include "link/frmDownloader.h"
 #include "platform/Global.h"
 #include "sim/SimulatedChipDrawing.h"
 #include "sim/SimulatedLed.h"
-#include "sim/SimulatedSerialLine.h"
 #include "sim/frmSimulatedChip.h"
-#include "support/VirtualClockService.h"
 
 namespace {
 
@@ -42,33 +39,21 @@ Again:
     jmp Again
 )";
 
-class SimulatedChipWindowTest : public ::testing::Test {
+class SimulatedChipWindowTest : public SimulatedChipFixture {
   protected:
     void SetUp() override {
-        auto Virtual = std::make_unique<VirtualClockService>();
-        Clock = Virtual.get();
-        ClockService::Install(std::move(Virtual));
-        Line = std::make_shared<SimulatedSerialLine>();
-        // The host opens the line at the link's rate.
-        Line->SetSettings(QStringLiteral("115200,N,8,1"));
-        Line->SetPortOpen(true);
+        SimulatedChipFixture::SetUp();
         frmSimulatedChip::Attach(Line);
     }
     void TearDown() override {
         Global<frmSimulatedChip>::Unload();
         frmSimulatedChip::Attach({});
-        Line.reset();
-        ClockService::Install(std::make_unique<VirtualClockService>());
+        SimulatedChipFixture::TearDown();
     }
 
     void RunProgram(const char* Source) {
-        const BytecodeAssembler::Result Assembled = BytecodeAssembler::Assemble(Source);
-        ASSERT_TRUE(Assembled.Ok) << Assembled.Error;
-        SimulatedKavlinChip& Chip = Line->Chip();
-        std::copy(Assembled.Image.begin(), Assembled.Image.end(),
-                  Chip.ExternalEeprom.Memory.begin());
-        const uint8_t Block[32] = {2, 6, 0, 0, 0, 0, 176, 176};
-        std::copy(std::begin(Block), std::end(Block), Chip.InternalEeprom.begin());
+        Flash(Source);
+        DefaultBlock();
         Line->PressResetButton();
     }
     // Lets chip time pass and the window's timer show it.
@@ -87,9 +72,6 @@ class SimulatedChipWindowTest : public ::testing::Test {
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&Window));
         return Window;
     }
-
-    VirtualClockService* Clock = nullptr;
-    std::shared_ptr<SimulatedSerialLine> Line;
 };
 
 TEST_F(SimulatedChipWindowTest, TheDownloadersIOPortsMenuOpensTheWindow) {
