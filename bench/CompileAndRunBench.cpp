@@ -55,47 +55,21 @@ const QString DownloadErrorBox = QStringLiteral("Download Error|Download error:\
 class CompileAndRunRig {
   public:
     explicit CompileAndRunRig(int32_t ImageBytes) {
-        SettingsStore::Install(std::make_unique<MemorySettingsStore>());
-        auto Recording = std::make_unique<RecordingMessageBoxService>();
-        Boxes = Recording.get();
-        MessageBoxService::Install(std::move(Recording));
-        ClockService::Install(std::make_unique<RealClockService>());
-        SerialDevices::SetDeviceLister([] { return QStringList(); });
-        SimulatedSerialLine::InstallAsSimulatedChip(Line);
-        ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
-        CompilerCentral::RegisterWithFrame();
-        ProjectModel::RegisterWithFrame();
+        Boxes = ProgramRig::InstallServices(Line);
         SavedCurrentDirectory = QDir::currentPath();
         Ready = MakeInstallation(ImageBytes);
         if (!Ready) {
             return;
         }
-        Setting(QStringLiteral("Port_Number"), QStringLiteral("99"));
-        Setting(QStringLiteral("Port_Mode"), QStringLiteral("Serial"));
-        Setting(QStringLiteral("Chip_Type"), QStringLiteral("KV20"));
-        frmDownloader& Downloader = Global<frmDownloader>::Get();
-        Downloader.Form_Load();
-        Downloader.show();
-        Downloader.ToolBarButton(QStringLiteral("Editor"))->trigger();
-        Editor = &Global<frmSourceEditor>::Get();
-        Editor->OpenProject(Work, QStringLiteral("blink"), QStringLiteral("kvp"), false);
+        Editor = &ProgramRig::StartProgram(Work);
         QCoreApplication::processEvents();
         Ready = DownloadPortExecutive::DownloadPortIsOpen() && Project().IsDefined() &&
                 Boxes->Shown.isEmpty();
     }
     ~CompileAndRunRig() {
-        DownloadPortExecutive::ClosePorts();
-        Global<ProjectType>::Unload();
-        Global<frmSourceEditor>::Unload();
-        Global<frmDownloader>::Unload();
-        frmDownloader::ResetProcessEnded();
-        CompilerCentral::ReleaseComponent();
+        ProgramRig::StopProgram();
         DirectoryCentral::SetCompilerVersionCheck(nullptr);
-        ModuleEditWindow::SetFactory(nullptr);
-        SimulatedSerialLine::UninstallSimulatedChip();
-        SerialDevices::SetDeviceLister(nullptr);
         qunsetenv("KVCOMP_TEST_SCRIPT");
-        MessageBoxService::Install(std::make_unique<HeadlessMessageBoxService>(nullptr));
         QDir::setCurrent(SavedCurrentDirectory);
     }
     CompileAndRunRig(const CompileAndRunRig&) = delete;

@@ -73,32 +73,16 @@ const QByteArray BlinkProgram =
 class LoopRig {
   public:
     LoopRig() {
-        SettingsStore::Install(std::make_unique<MemorySettingsStore>());
-        auto Recording = std::make_unique<RecordingMessageBoxService>();
-        Boxes = Recording.get();
-        MessageBoxService::Install(std::move(Recording));
-        ClockService::Install(std::make_unique<RealClockService>());
-        SerialDevices::SetDeviceLister([] { return QStringList(); });
-        SimulatedSerialLine::InstallAsSimulatedChip(Line);
+        Boxes = ProgramRig::InstallServices(Line);
         frmSimulatedChip::Attach(Line);
-        ModuleEditWindow::SetFactory([] { return std::make_unique<EditBoxModuleWindow>(); });
-        CompilerCentral::RegisterWithFrame();
-        ProjectModel::RegisterWithFrame();
         SavedCurrentDirectory = QDir::currentPath();
         Ready = MakeInstallation();
         if (!Ready) {
             return;
         }
-        Setting(QStringLiteral("Port_Number"), QStringLiteral("99"));
-        Setting(QStringLiteral("Port_Mode"), QStringLiteral("Serial"));
-        Setting(QStringLiteral("Chip_Type"), QStringLiteral("KV20"));
         Setting(QStringLiteral("KV20port_Number"), QStringLiteral(" 99, 115200,N,8,10"));
+        Editor = &ProgramRig::StartProgram(Work);
         Downloader = &Global<frmDownloader>::Get();
-        Downloader->Form_Load();
-        Downloader->show();
-        Downloader->ToolBarButton(QStringLiteral("Editor"))->trigger();
-        Editor = &Global<frmSourceEditor>::Get();
-        Editor->OpenProject(Work, QStringLiteral("blink"), QStringLiteral("kvp"), false);
         Global<frmSimulatedChip>::Get().show();
         QCoreApplication::processEvents();
         Ready = DownloadPortExecutive::DownloadPortIsOpen() &&
@@ -107,16 +91,7 @@ class LoopRig {
     }
     ~LoopRig() {
         Global<frmSimulatedChip>::Unload();
-        DownloadPortExecutive::ClosePorts();
-        Global<ProjectType>::Unload();
-        Global<frmSourceEditor>::Unload();
-        Global<frmDownloader>::Unload();
-        frmDownloader::ResetProcessEnded();
-        CompilerCentral::ReleaseComponent();
-        ModuleEditWindow::SetFactory(nullptr);
-        SimulatedSerialLine::UninstallSimulatedChip();
-        SerialDevices::SetDeviceLister(nullptr);
-        MessageBoxService::Install(std::make_unique<HeadlessMessageBoxService>(nullptr));
+        ProgramRig::StopProgram();
         QDir::setCurrent(SavedCurrentDirectory);
     }
     LoopRig(const LoopRig&) = delete;
